@@ -1,0 +1,71 @@
+// One invocation of a command: its parameters, its result fields, and how words are bound to the
+// former and text lines made of the latter.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/InputParam.h"
+#include "core/ResultParam.h"
+#include "core/Status.h"
+#include "json/JsonValue.h"
+
+namespace tunadm {
+
+// The base of every command. A concrete command declares its parameters and result fields as
+// members; each enters itself in the lists here, behind the common ones.
+class TunadmCommandInstance {
+ public:
+  // Does the command's work: reads the parameters, fills the result fields and sets the status of
+  // `result`, which is this instance's own status field.
+  virtual void execute(StatusCodeResultField& result) = 0;
+
+  TunadmCommandInstance(const TunadmCommandInstance&) = delete;
+  TunadmCommandInstance& operator=(const TunadmCommandInstance&) = delete;
+  virtual ~TunadmCommandInstance() = default;
+
+  const ParamList& params() const { return params_; }
+  const ResultList& results() const { return results_; }
+  const OutputFlags& flags() const { return flags_; }
+  StatusCodeResultField& statusField() { return status_; }
+
+  // Sets the flags when `word` is one of the four options (exact comparison) and returns true; of
+  // --quiet and --verbose, and of --json and --text, the last one counts.
+  bool applyOption(std::string_view word);
+
+  // The text lines of the result, appended to `lines`: of a success every field, of a failure only
+  // the status.
+  void render(std::vector<std::string>* lines) const;
+
+ protected:
+  // `method` is the canonical name of the command, which --verbose shows.
+  explicit TunadmCommandInstance(std::string_view method);
+
+  ParamList* paramList() { return &params_; }
+  ResultList* resultList() { return &results_; }
+
+ private:
+  ParamList params_;
+  ResultList results_;
+  AuthParam auth_;
+  StringParam request_id_;
+  StringParam output_;
+  OutputFlags flags_;
+  StatusCodeResultField status_;
+};
+
+// Binds command-line words to the parameters of `command`. `words` is a JSON array of strings; its
+// first `consumed` elements named the command. Options are applied wherever they stand. A word with
+// an equals sign is a parameter and its value, any other word a parameter that is switched on.
+// Fails with kInvalidArgument and texts that say why; parameters bound before keep their values.
+Status bindCommandWords(TunadmCommandInstance* command, const jsObject* words,
+                        std::size_t consumed);
+
+// Binds the members of a JSON object to the parameters of those names; "command_name" is skipped,
+// any other unknown name is an error, and so is a required parameter that is not there. Fails with
+// kInvalidArgument as above.
+Status bind_json_args(TunadmCommandInstance* command, const jsObject* arguments);
+
+}  // namespace tunadm

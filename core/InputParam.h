@@ -1,0 +1,155 @@
+// The typed input parameters of a command: their base and the generic kinds.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tunadm {
+
+// Something that accepts a value. The defaults refuse.
+class NamedValueBinder {
+ public:
+  NamedValueBinder() = default;
+  NamedValueBinder(const NamedValueBinder&) = delete;
+  NamedValueBinder& operator=(const NamedValueBinder&) = delete;
+  virtual ~NamedValueBinder() = default;
+
+  // Each returns whether the value was accepted; a refused one leaves the old value.
+  virtual bool setFromText(std::string_view text);
+  virtual bool setFromInteger(std::int32_t number);
+  virtual bool setFromBoolean(bool truth);
+  virtual bool setFromNamedText(std::string_view name, std::string_view text);
+};
+
+class InputParamBase;
+
+// A command's parameters in declaration order. The parameters are members of the command.
+using ParamList = std::vector<InputParamBase*>;
+
+enum class Required : std::uint8_t { kNo = 0, kYes = 1 };
+
+// One input parameter. It starts not presented; the first accepted value presents it for good.
+class InputParamBase : public NamedValueBinder {
+ public:
+  const std::string& name() const { return name_; }
+  bool presented() const { return presented_; }
+  bool required() const { return required_ == Required::kYes; }
+
+  // A hidden parameter binds like any other, but help does not list it.
+  bool hidden() const { return hidden_; }
+  void hide() { hidden_ = true; }
+  void makeOptional() { required_ = Required::kNo; }
+
+  // Appends what help shows as `name=<...>`; nothing for a parameter without a value.
+  virtual void appendTypeName(std::string* text) const = 0;
+  virtual bool isSingleWord() const { return false; }
+  virtual bool needsValue() const { return true; }
+  virtual bool isSatisfied() const { return presented() || !required(); }
+
+  // The word or words by which help describes the parameter.
+  virtual std::string_view typeName() const = 0;
+
+ protected:
+  // Appends itself to `list`: declaration order is construction order.
+  InputParamBase(ParamList* list, std::string_view name, Required required);
+
+  // For the end of an accepting setter.
+  bool accept() {
+    presented_ = true;
+    return true;
+  }
+
+ private:
+  Required required_;
+  bool hidden_ = false;
+  bool presented_ = false;
+  std::string name_;
+};
+
+// Any text.
+class StringParam : public InputParamBase {
+ public:
+  StringParam(ParamList* list, std::string_view name, std::string_view default_value,
+              Required required)
+      : InputParamBase(list, name, required), value_(default_value) {}
+
+  const std::string& value() const { return value_; }
+
+  bool setFromText(std::string_view text) override;
+  void appendTypeName(std::string* text) const override { text->append("string"); }
+  std::string_view typeName() const override { return "string"; }
+
+ private:
+  std::string value_;
+};
+
+// A base-10 integer of 32 bits. A text may have leading blanks and a sign; nothing may follow the
+// digits, and a number out of range is refused.
+class IntParam final : public InputParamBase {
+ public:
+  IntParam(ParamList* list, std::string_view name, std::int32_t default_value, Required required)
+      : InputParamBase(list, name, required), value_(default_value) {}
+
+  std::int32_t value() const { return value_; }
+
+  bool setFromText(std::string_view text) override;
+  bool setFromInteger(std::int32_t number) override;
+  void appendTypeName(std::string* text) const override { text->append("integer"); }
+  std::string_view typeName() const override { return "integer"; }
+
+ private:
+  std::int32_t value_;
+};
+
+// true, yes, on, false, no, off, in any letter case.
+class BoolParam final : public InputParamBase {
+ public:
+  BoolParam(ParamList* list, std::string_view name, bool default_value, Required required)
+      : InputParamBase(list, name, required), value_(default_value) {}
+
+  bool value() const { return value_; }
+
+  bool setFromText(std::string_view text) override;
+  bool setFromBoolean(bool truth) override;
+  void appendTypeName(std::string* text) const override { text->append("boolean"); }
+  std::string_view typeName() const override { return "boolean"; }
+
+ private:
+  bool value_;
+};
+
+// The two states of a single-word parameter. The first is also the value that binding gives to any
+// word without an equals sign.
+inline constexpr std::string_view kWordPresent = "<single-word-command-present>";
+inline constexpr std::string_view kWordAbsent = "<single-word-command-absent>";
+
+// A bare word: on by its name alone or `name=true`, off by `name=` or `name=false`.
+class SingleWordParam final : public InputParamBase {
+ public:
+  SingleWordParam(ParamList* list, std::string_view word)
+      : InputParamBase(list, word, Required::kNo), value_(kWordAbsent) {}
+
+  bool present() const { return value_ == kWordPresent; }
+
+  bool setFromText(std::string_view text) override;
+  void appendTypeName(std::string*) const override {}
+  bool isSingleWord() const override { return true; }
+  bool needsValue() const override { return false; }
+  std::string_view typeName() const override { return "single word"; }
+
+ private:
+  std::string value_;
+};
+
+// The "auth" text that every command takes; nothing examines it.
+class AuthParam final : public StringParam {
+ public:
+  explicit AuthParam(ParamList* list) : StringParam(list, "auth", "", Required::kNo) {}
+
+  void appendTypeName(std::string* text) const override { text->append("auth string"); }
+  std::string_view typeName() const override { return "auth string"; }
+};
+
+}  // namespace tunadm
