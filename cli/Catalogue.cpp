@@ -1,0 +1,178 @@
+#include "cli/Catalogue.h"
+
+#include "cli/HelpCommands.h"
+#include "cli/JsonCommand.h"
+#include "cli/ListCommands.h"
+#include "cli/ProfileCommands.h"
+#include "cli/ServiceCommands.h"
+#include "cli/SupportCommands.h"
+
+namespace tunadm {
+namespace {
+
+template <typename Command>
+TunadmCommandInstance* make(std::string_view method, const CommandWords& words) {
+  return new Command(method, words);
+}
+
+constexpr std::string_view kProfile = " <profile name>";
+
+constexpr CommandEntry kSupportReset = {
+    "support reset", kProfile,
+    "Removes various temporary files associated with the profile, giving it a clean restart.",
+    &make<Hipcmd_ProfileReset>};
+constexpr CommandEntry kProfileModify = {
+    "profile modify", kProfile, "Changes one or more of the configured properties of the profile.",
+    &make<Hipcmd_ModifyProfile>};
+constexpr CommandEntry kListInterfaces = {
+    "list interfaces", "",
+    "Reports the names of network interfaces on the system that are suitable for selection as the "
+    "HIP underlay.",
+    &make<Hipcmd_GetInterfaces>};
+constexpr CommandEntry kListVersions = {
+    "list versions", "",
+    "Displays version numbers for various pieces of the installed HIP application.",
+    &make<Hipcmd_GetVersions>};
+constexpr CommandEntry kProfileDetails = {
+    "profile details", kProfile, "Displays the configuration associated with the given profile.",
+    &make<Hipcmd_ShowProfile>};
+constexpr CommandEntry kListProfiles = {
+    "list profiles", "",
+    "Displays a list of the configured profiles, showing the directory and profile name for each "
+    "one.",
+    &make<Hipcmd_GetProfiles>};
+constexpr CommandEntry kProfileActivate = {
+    "profile activate", kProfile,
+    "Makes the given profile the active profile, possibly restarting the service along the way.",
+    &make<Hipcmd_ActivateProfile>};
+constexpr CommandEntry kProfileCreate = {
+    "profile create", " <new profile name>",
+    "Creates a new profile.   The name and helmsman settings are required.",
+    &make<Hipcmd_CreateProfile>};
+constexpr CommandEntry kProfileDelete = {"profile delete", kProfile, "Removes a profile.",
+                                         &make<Hipcmd_DeleteProfile>};
+constexpr CommandEntry kProfileRename = {
+    "profile rename", kProfile,
+    "Changes the name of the profile.  This is a shorthand for ‘profile modify <profile name> "
+    "new_name=<string>’",
+    &make<Hipcmd_RenameProfile>};
+constexpr CommandEntry kServiceStart = {
+    "service start", "", "Starts the vrx-hipd background process.", &make<Hipcmd_ServiceStart>};
+constexpr CommandEntry kServiceStop = {"service stop", "", "Stops the vrx-hipd background process.",
+                                       &make<Hipcmd_ServiceStop>};
+constexpr CommandEntry kServiceRestart = {
+    "service restart", "",
+    "Stops the vrx-hipd background process if it is running, and then starts it up again.",
+    &make<Hipcmd_ServiceBounce>};
+constexpr CommandEntry kListLog = {
+    "list log", kProfile, "Displays an extract from the hip.log file for the given profile.",
+    &make<Hipcmd_GetHipLog>};
+constexpr CommandEntry kServiceStatus = {
+    "service status", "",
+    "Displays a report about the vrx-hipd background process: whether it is running, and some "
+    "information about its connections.",
+    &make<Hipcmd_ShowStatus>};
+constexpr CommandEntry kSupportBundle = {"support bundle", "",
+                                         "Writes a new support bundle to the Logs directory.",
+                                         &make<Hipcmd_SupportBundle>};
+constexpr CommandEntry kJson = {"json <object>", " <json object>",
+                                "Executes a command given in JSON form.",
+                                &make<Hipcmd_JsonCommand>};
+constexpr CommandEntry kUsage = {"usage", "", "", &make<Hipcmd_Usage>};
+constexpr CommandEntry kHelp = {"help", "", "", &make<Hipcmd_SimpleHelp>};
+constexpr CommandEntry kReference = {"reference", "", "", &make<Hipcmd_ReferenceHelp>};
+
+// How many words a way to call a command takes: its two words and a target, two words, or the whole
+// line.
+enum class Form { kTarget, kPair, kLine };
+
+struct CommandRow {
+  std::string_view first;
+  std::string_view second;  // empty: any word
+  Form form;
+  const CommandEntry* command;
+};
+
+// In the order of testing. A synonym is a row of its own.
+constexpr CommandRow kRows[] = {
+    {"profile", "create", Form::kTarget, &kProfileCreate},
+    {"profile", "activate", Form::kTarget, &kProfileActivate},
+    {"profile", "delete", Form::kTarget, &kProfileDelete},
+    {"profile", "details", Form::kTarget, &kProfileDetails},
+    {"profile", "modify", Form::kTarget, &kProfileModify},
+    {"profile", "rename", Form::kTarget, &kProfileRename},
+    {"list", "log", Form::kTarget, &kListLog},
+    {"show", "log", Form::kTarget, &kListLog},
+    {"support", "reset", Form::kTarget, &kSupportReset},
+    {"json", "", Form::kPair, &kJson},
+    {"service", "start", Form::kPair, &kServiceStart},
+    {"service", "stop", Form::kPair, &kServiceStop},
+    {"service", "restart", Form::kPair, &kServiceRestart},
+    {"service", "bounce", Form::kPair, &kServiceRestart},
+    {"service", "status", Form::kPair, &kServiceStatus},
+    {"list", "interfaces", Form::kPair, &kListInterfaces},
+    {"show", "interfaces", Form::kPair, &kListInterfaces},
+    {"list", "profiles", Form::kPair, &kListProfiles},
+    {"show", "profiles", Form::kPair, &kListProfiles},
+    {"list", "versions", Form::kPair, &kListVersions},
+    {"show", "versions", Form::kPair, &kListVersions},
+    {"support", "bundle", Form::kPair, &kSupportBundle},
+    {"usage", "", Form::kLine, &kUsage},
+    {"help", "", Form::kLine, &kHelp},
+    {"reference", "", Form::kLine, &kReference},
+};
+
+using Words = std::vector<std::string>;
+
+std::size_t wordsNeeded(Form form) {
+  return form == Form::kTarget ? 3 : form == Form::kPair ? 2 : 1;
+}
+
+bool matches(const CommandRow& row, const Words& words) {
+  return words.size() >= wordsNeeded(row.form) && words[0] == row.first &&
+         (row.second.empty() || words[1] == row.second);
+}
+
+// The row for `profile <name> <word>`, the other way to write a command on a profile.
+const CommandRow* findInfix(const Words& words) {
+  if (words.size() < 3 || words[0] != "profile") return nullptr;
+  for (const CommandRow& row : kRows) {
+    if (row.form == Form::kTarget && row.first == words[0] && row.second == words[2]) return &row;
+  }
+  return nullptr;
+}
+
+TunadmCommandInstance* create(const CommandEntry& command, std::string_view target,
+                              const Words& words) {
+  return command.make(command.name, {target, words});
+}
+
+TunadmCommandInstance* createFromRow(const CommandRow& row, const Words& words, int* consumed) {
+  std::string_view target;
+  if (row.form == Form::kTarget) target = words[2];
+  if (row.form == Form::kPair && row.second.empty()) target = words[1];
+  *consumed = static_cast<int>(row.form == Form::kLine ? words.size() : wordsNeeded(row.form));
+  return create(*row.command, target, words);
+}
+
+}  // namespace
+
+TunadmCommandInstance* lookUpCommand(std::vector<std::string>* words, int* consumed) {
+  // Callers may repeat the program's name.
+  if (!words->empty() && words->front() == "tunadm") words->erase(words->begin());
+  if (words->empty()) {
+    *consumed = 0;
+    return create(kUsage, "", *words);
+  }
+  for (const CommandRow& row : kRows) {
+    if (matches(row, *words)) return createFromRow(row, *words, consumed);
+  }
+  if (const CommandRow* row = findInfix(*words); row != nullptr) {
+    *consumed = 3;
+    return create(*row->command, (*words)[1], *words);
+  }
+  *consumed = -1;
+  return nullptr;
+}
+
+}  // namespace tunadm

@@ -1,0 +1,39 @@
+#include "cli/CatalogueParams.h"
+
+#include <cstddef>
+#include <cstdlib>
+
+#include "fundkit/LogLevel.h"
+#include "profiles/ConfigText.h"
+#include "service/InitSystem.h"
+
+namespace tunadm {
+
+bool OptionalLogLevelParam::setFromText(std::string_view text) {
+  given_ = text;
+  value_ = loglevel_fullname(parseLevel(text));
+  return accept();
+}
+
+HelmsmanParam::HelmsmanParam(ParamList* list, Required required)
+    : InputParamBase(list, "helmsman", required), port_(kHelmsmanPort) {}
+
+bool HelmsmanParam::setFromText(std::string_view text) {
+  const std::size_t colon = text.find(':');
+  host_ = text.substr(0, colon);
+  port_ = kHelmsmanPort;
+  if (text.empty()) return false;
+  if (colon != std::string_view::npos) {
+    // As atoi does it, but defined for every number: what is no port is dealt with when it is used.
+    const std::string digits(text.substr(colon + 1));
+    port_ = static_cast<int>(std::strtol(digits.c_str(), nullptr, 10));
+  }
+  return accept();
+}
+
+bool SysImplParam::setFromText(std::string_view text) {
+  value_ = text.empty() ? probeInitSystem() : text;
+  return accept();
+}
+
+}  // namespace tunadm

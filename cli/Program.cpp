@@ -1,0 +1,82 @@
+#include "cli/Program.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "cli/Catalogue.h"
+#include "core/CommandCore.h"
+#include "core/Privilege.h"
+#include "core/ProgramStatus.h"
+#include "core/StatusText.h"
+#include "json/ScopedJson.h"
+#include "json/ScopedRelease.h"
+
+namespace tunadm {
+namespace {
+
+// The exit status does not depend on whether anybody reads the output, so a failure ends the
+// printing and nothing else.
+void writeOut(const std::string& text) {
+  std::size_t done = 0;
+  while (done < text.size()) {
+    const ssize_t count = write(STDOUT_FILENO, text.data() + done, text.size() - done);
+    if (count > 0) {
+      done += static_cast<std::size_t>(count);
+    } else if (count < 0 && errno != EINTR) {
+      return;
+    }
+  }
+}
+
+void printLines(const std::vector<std::string>& lines) {
+  std::string text;
+  for (const std::string& line : lines) text.append(line).append("\n");
+  writeOut(text);
+}
+
+void printUsage(const std::string& program) {
+  printLines({"Usage: " + program + " json <command request object>",
+              "   or: " + program + " <two-word command name> <command-specific params>",
+              "   or: " + program + " help   (for a command list and short summaries)"});
+}
+
+Status bindWords(TunadmCommandInstance* command, const std::vector<std::string>& words,
+                 int consumed) {
+  const ScopedJson array(makeArray());
+  for (const std::string& word : words) appendString(array.get(), std::string_view(word));
+  return bindCommandWords(command, array.get(), static_cast<std::size_t>(consumed));
+}
+
+}  // namespace
+
+int runProgram(int argc, char** argv) {
+  if (argc < 2) {
+    printUsage(argc == 1 ? argv[0] : "tunadm");
+    return 0;
+  }
+  registerStatusTexts(kProgramModule, &programStatusText);
+  setPrivilegeMode(PrivilegeMode::kRootOnly);
+
+  std::vector<std::string> words(argv + 1, argv + argc);
+  int consumed = 0;
+  const ScopedPtr<TunadmCommandInstance> command(lookUpCommand(&words, &consumed));
+  if (!command) {
+    printLines({"invalid command name"});
+    return 1;
+  }
+  if (!bindWords(command.get(), words, consumed).ok()) {
+    printLines({"invalid command arguments"});
+    return 1;
+  }
+  command->execute(command->statusField());
+  std::vector<std::string> lines;
+  command->render(&lines);
+  printLines(lines);
+  return 0;
+}
+
+}  // namespace tunadm

@@ -1,0 +1,196 @@
+#include "fundkit/FileUtils.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <limits.h>
+#include <stdio.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <string_view>
+
+#include "fundkit/DescriptorIo.h"
+
+namespace tunadm {
+namespace {
+
+constexpr std::size_t kCopyChunk = 4096;
+constexpr mode_t kCopyMode = 0644;
+constexpr mode_t kLinesMode = 0640;
+constexpr mode_t kPermissionBits = 0777;
+constexpr std::size_t kReadChunk = 16384;
+constexpr std::size_t kLargestLine = std::size_t{1} << 20;
+constexpr std::size_t kLargestFile = std::size_t{64} << 20;
+
+Status copyFailure(StatusCode code, const std::string& path) {
+  return Status(code, path, "copyFile");
+}
+
+// The status of a system call's result; `accepted` is the errno that means "so already".
+Status outcome(int result, int accepted, StatusCode failure) {
+  return Status(result == 0 || errno == accepted ? kSuccess : failure);
+}
+
+bool anythingAt(const std::string& path) {
+  struct stat found {};
+  return lstat(path.c_str(), &found) == 0;
+}
+
+StatusCode copyContent(int source, int destination, off_t size) {
+  char chunk[kCopyChunk];
+  for (off_t left = size; left > 0;) {
+    const off_t wanted = std::min(left, static_cast<off_t>(sizeof(chunk)));
+    const ssize_t count = readSome(source, chunk, static_cast<std::size_t>(wanted));
+    if (count <= 0) return kReadFailed;
+    if (!writeAll(destination, {chunk, static_cast<std::size_t>(count)})) return kWriteFailed;
+    left -= count;
+  }
+  return kSuccess;
+}
+
+// Appends to `content` until it holds a byte of `stops` or the file ends. False when reading fails
+// or the content grows beyond `largest`.
+bool readUntil(int descriptor, std::string_view stops, std::size_t largest, std::string* content) {
+  char chunk[kReadChunk];
+  while (content->size() <= largest) {
+    const ssize_t count = readSome(descriptor, chunk, sizeof(chunk));
+    if (count <= 0) return count == 0;
+    const std::string_view got(chunk, static_cast<std::size_t>(count));
+    content->append(got);
+    if (got.find_first_of(stops) != got.npos) return true;
+  }
+  return false;
+}
+
+Status readRegular(const std::string& path, std::string_view stops, std::size_t largest,
+                   std::string* content) {
+  content->clear();
+  if (path.empty()) return Status(kInvalidArgument);
+  const ScopedFd file = openRegularFile(path);
+  if (!file.valid()) return Status(errno == 0 ? kReadFailed : kOpenFailed);
+  if (readUntil(file.get(), stops, largest, content)) return Status(kSuccess);
+  content->clear();
+  return Status(kReadFailed);
+}
+
+}  // namespace
+
+Status copyFile(const std::string& source, const std::string& destination) {
+  if (source.empty()) return copyFailure(kInvalidArgument, source);
+  if (destination.empty()) return copyFailure(kInvalidArgument, destination);
+  struct stat found {};
+  if (stat(source.c_str(), &found) != 0) return copyFailure(kInvalidArgument, source);
+  const ScopedFd input = openDescriptor(source, O_RDONLY);
+  if (!input.valid()) return copyFailure(kOpenFailed, source);
+  ScopedFd output = openDescriptor(destination, O_WRONLY | O_CREAT | O_TRUNC, kCopyMode);
+  if (!output.valid()) return copyFailure(kOpenFailed, destination);
+  const StatusCode copied = copyContent(input.get(), output.get(), found.st_size);
+  if (copied != kSuccess) return copyFailure(copied, copied == kReadFailed ? source : destination);
+  (void)fchmod(output.get(), kCopyMode);  // The content is complete whatever the mode.
+  if (output.close() != 0) return copyFailure(kWriteFailed, destination);
+  return Status(kSuccess);
+}
+
+Status moveFile(const std::string& source, const std::string& destination, Overwrite overwrite) {
+  if (source.empty() || destination.empty()) return Status(kInvalidArgument);
+  if (overwrite != Overwrite::kYes && anythingAt(destination)) return Status(kRenameFailed);
+  if (rename(source.c_str(), destination.c_str()) == 0) return Status(kSuccess);
+  if (errno != EXDEV) return Status(kRenameFailed);
+  if (Status copied = copyFile(source, destination); !copied.ok()) return copied;
+  return removeFile(source);
+}
+
+Status removeFile(const std::string& path) {
+  if (path.empty()) return Status(kInvalidArgument);
+  return outcome(unlink(path.c_str()), ENOENT, kUnlinkFailed);
+}
+
+Status removeEmptyDirectory(const std::string& path) {
+  if (path.empty()) return Status(kInvalidArgument);
+  return outcome(rmdir(path.c_str()), ENOENT, kRmdirFailed);
+}
+
+Status removeEntry(const std::string& path) {
+  Status removed = removeFile(path);
+  return removed.ok() ? removed : removeEmptyDirectory(path);
+}
+
+Status makeDirectory(const std::string& path, mode_t mode) {
+  if (path.empty()) return Status(kInvalidArgument);
+  return outcome(mkdir(path.c_str(), mode), EEXIST, kMkdirFailed);
+}
+
+Status makeNewDirectory(const std::string& path, mode_t mode) {
+  if (path.empty()) return Status(kInvalidArgument);
+  return Status(mkdir(path.c_str(), mode) == 0 ? kSuccess : kMkdirFailed);
+}
+
+Status changeMode(const std::string& path, mode_t mode) {
+  if (path.empty()) return Status(kInvalidArgument);
+  if (chmod(path.c_str(), mode) == 0) return Status(kSuccess);
+  struct stat found {};
+  const bool so_already =
+      stat(path.c_str(), &found) == 0 && (found.st_mode & kPermissionBits) == mode;
+  return Status(so_already ? kSuccess : kChmodFailed);
+}
+
+Status writeLines(const std::string& path, const std::vector<std::string>& lines) {
+  if (path.empty()) return Status(kInvalidArgument);
+  std::string text;
+  for (const std::string& line : lines) text.append(line, 0, line.find('\0')).append("\n");
+  ScopedFd file = openDescriptor(path, O_WRONLY | O_CREAT | O_TRUNC, kLinesMode);
+  if (!file.valid()) return Status(kOpenFailed);
+  if (!writeAll(file.get(), text)) return Status(kWriteFailed);
+  (void)fchmod(file.get(), kLinesMode);  // The content is complete whatever the mode.
+  return Status(file.close() == 0 ? kSuccess : kWriteFailed);
+}
+
+Status currentDirectory(std::string* path) {
+  path->clear();
+  char buffer[PATH_MAX];
+  if (getcwd(buffer, sizeof(buffer)) == nullptr) return Status(kGetcwdFailed);
+  path->assign(buffer);
+  return Status(kSuccess);
+}
+
+Status changeDirectory(const std::string& path) {
+  if (path.empty()) return Status(kInvalidArgument);
+  return Status(chdir(path.c_str()) == 0 ? kSuccess : kHostError);
+}
+
+bool pathExists(const std::string& path) {
+  struct stat found {};
+  return stat(path.c_str(), &found) == 0;
+}
+
+bool isRegularFile(const std::string& path) {
+  struct stat found {};
+  return stat(path.c_str(), &found) == 0 && S_ISREG(found.st_mode);
+}
+
+bool isRealDirectory(const std::string& path) {
+  struct stat found {};
+  return lstat(path.c_str(), &found) == 0 && S_ISDIR(found.st_mode);
+}
+
+bool isMissing(const std::string& path) {
+  struct stat found {};
+  return lstat(path.c_str(), &found) != 0 && errno == ENOENT;
+}
+
+Status readFile(const std::string& path, std::string* content) {
+  return readRegular(path, {}, kLargestFile, content);
+}
+
+Status readFirstLine(const std::string& path, std::string* line) {
+  constexpr std::string_view kLineEnds("\n\0", 2);
+  Status read = readRegular(path, kLineEnds, kLargestLine, line);
+  if (!read.ok()) return read;
+  line->resize(std::min(line->find_first_of(kLineEnds), line->size()));
+  if (line->size() <= kLargestLine) return read;
+  line->clear();
+  return Status(kReadFailed);
+}
+
+}  // namespace tunadm

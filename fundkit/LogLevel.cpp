@@ -1,0 +1,100 @@
+#include "fundkit/LogLevel.h"
+
+#include <cstddef>
+
+#include "fundkit/BasicLog.h"
+#include "fundkit/LineReader.h"
+
+namespace tunadm {
+namespace {
+
+struct LevelName {
+  std::string_view name;
+  LogLevel level;
+};
+
+constexpr LevelName kLevelNames[] = {
+    {"TRACE", kLogTrace},     {"DEBUG", kLogDebug},    {"INFO", kLogInfo},
+    {"NOTICE", kLogNotice},   {"WARN", kLogWarning},   {"ERR", kLogError},
+    {"WARNING", kLogWarning}, {"ERROR", kLogError},    {"FATAL", kLogFatal},
+    {"PANIC", kLogFatal},     {"EMERG", kLogFatal},    {"ALERT", kLogFatal},
+    {"EMERGENCY", kLogFatal}, {"CRITICAL", kLogFatal},
+};
+
+constexpr char upperAscii(char byte) {
+  return byte >= 'a' && byte <= 'z' ? static_cast<char>(byte - 'a' + 'A') : byte;
+}
+
+// Names and short names are upper case already.
+bool beginsWithName(std::string_view text, std::string_view name) {
+  if (text.size() < name.size()) return false;
+  for (std::size_t i = 0; i < name.size(); ++i) {
+    if (upperAscii(text[i]) != name[i]) return false;
+  }
+  return true;
+}
+
+// True when trimming the end would leave nothing. Stops at the first byte that shows something.
+bool isBlankToEnd(std::string_view text) {
+  for (const char byte : text) {
+    if (byte == '\0') return true;
+    if (isGraphic(byte)) return false;
+  }
+  return true;
+}
+
+// Deliberate: of the blanks only the space ends a name before further text.
+bool endsName(std::string_view after) {
+  return after.empty() || after[0] == ' ' || after[0] == ']' || isBlankToEnd(after);
+}
+
+void reportInvalidLevel(const char* function) {
+  TUNADM_LOG(fundkitLogger(), kLogError, "BasicLog", function, "invalid log level");
+}
+
+}  // namespace
+
+bool isValidLevel(LogLevel level) {
+  for (const LogLevelDescriptor& entry : kLogLevels) {
+    if (level == &entry) return level->marker == kLogLevelMarker;
+  }
+  return false;
+}
+
+const char* loglevel_shortname(LogLevel level) {
+  if (isValidLevel(level)) return level->short_name;
+  reportInvalidLevel("loglevel_shortname");
+  return "X~";
+}
+
+const char* loglevel_fullname(LogLevel level) {
+  if (isValidLevel(level)) return level->full_name;
+  reportInvalidLevel("loglevel_fullname");
+  return "<log level>";
+}
+
+int loglevel_to_syslog(LogLevel level) {
+  if (isValidLevel(level)) return level->syslog_priority;
+  reportInvalidLevel("loglevel_to_syslog");
+  return kLogInfo->syslog_priority;
+}
+
+LogLevel parseLevel(std::string_view text) {
+  while (!text.empty() && text[0] != '\0' && !isGraphic(text[0])) text.remove_prefix(1);
+  for (const LogLevelDescriptor& entry : kLogLevels) {
+    if (beginsWithName(text, entry.short_name)) return &entry;
+  }
+  if (!text.empty() && text[0] == '[') text.remove_prefix(1);
+  for (const LevelName& entry : kLevelNames) {
+    if (beginsWithName(text, entry.name) && endsName(text.substr(entry.name.size()))) {
+      return entry.level;
+    }
+  }
+  return kLogInfo;
+}
+
+LogLevel parseLevel(const char* text) {
+  return text == nullptr ? kLogInfo : parseLevel(std::string_view(text));
+}
+
+}  // namespace tunadm

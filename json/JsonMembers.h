@@ -1,0 +1,68 @@
+// The members of one JSON object.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+#include "json/ScopedRelease.h"
+
+namespace tunadm {
+
+class jsObject;
+
+// Unique names, each with a value that this class does not own, in the order of their coming except
+// after a removal. Past a few members it also keeps an index of the names, so that large objects
+// are built and searched without comparing every name with every other.
+class JsonMembers {
+ public:
+  static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+
+  JsonMembers() = default;
+  JsonMembers(const JsonMembers&) = delete;
+  JsonMembers& operator=(const JsonMembers&) = delete;
+
+  const std::vector<std::string>& names() const { return names_; }
+  const std::vector<jsObject*>& values() const { return values_; }
+
+  // kNone when there is no such name.
+  std::size_t find(std::string_view name) const;
+
+  // `name` must not be there yet.
+  void append(std::string_view name, jsObject* value);
+
+  // Puts `value` at `position`; returns the value that stood there.
+  jsObject* replace(std::size_t position, jsObject* value);
+
+  // Removes a member and returns its value. The last member takes its place.
+  jsObject* remove(std::size_t position);
+
+ private:
+  // The index holds positions. These compare them by their names, with a plain name too.
+  struct NameHash {
+    using is_transparent = void;
+    std::size_t operator()(std::string_view name) const;
+    std::size_t operator()(std::size_t position) const { return (*this)((*names)[position]); }
+    const std::vector<std::string>* names;
+  };
+  struct NameEqual {
+    using is_transparent = void;
+    bool operator()(std::size_t left, std::size_t right) const { return left == right; }
+    bool operator()(std::string_view left, std::size_t right) const {
+      return left == (*names)[right];
+    }
+    bool operator()(std::size_t left, std::string_view right) const { return (*this)(right, left); }
+    const std::vector<std::string>* names;
+  };
+  using NameIndex = std::unordered_set<std::size_t, NameHash, NameEqual>;
+
+  void makeIndex();
+
+  std::vector<std::string> names_;
+  std::vector<jsObject*> values_;
+  ScopedPtr<NameIndex> index_;  // empty while the object is small
+};
+
+}  // namespace tunadm

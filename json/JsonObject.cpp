@@ -1,0 +1,88 @@
+// Objects: reading and changing them.
+#include <string>
+#include <string_view>
+
+#include "json/JsonNode.h"
+#include "json/JsonValue.h"
+
+namespace tunadm {
+
+namespace {
+
+std::size_t positionOf(const jsObject* object, std::string_view name) {
+  return isObject(object) && !name.empty() ? object->members().find(name) : JsonMembers::kNone;
+}
+
+// Not tolower: that follows the locale.
+char toLower(char byte) {
+  return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte;
+}
+
+bool equalIgnoringCase(std::string_view left, std::string_view right) {
+  if (left.size() != right.size()) return false;
+  for (std::size_t index = 0; index < left.size(); ++index) {
+    if (toLower(left[index]) != toLower(right[index])) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+std::size_t objectSize(const jsObject* object) {
+  return isObject(object) ? object->members().values().size() : 0;
+}
+
+std::string_view memberName(const jsObject* object, std::size_t index) {
+  if (index >= objectSize(object)) return std::string_view();
+  return object->members().names()[index];
+}
+
+const jsObject* memberValue(const jsObject* object, std::size_t index) {
+  return index < objectSize(object) ? object->members().values()[index] : nullptr;
+}
+
+jsObject* memberValue(jsObject* object, std::size_t index) {
+  return index < objectSize(object) ? object->members().values()[index] : nullptr;
+}
+
+std::ptrdiff_t findMember(const jsObject* object, std::string_view name) {
+  const std::size_t position = positionOf(object, name);
+  return position == JsonMembers::kNone ? -1 : static_cast<std::ptrdiff_t>(position);
+}
+
+std::ptrdiff_t findMemberIgnoringCase(const jsObject* object, std::string_view name) {
+  if (!isObject(object) || name.empty()) return -1;
+  std::ptrdiff_t index = 0;
+  for (const std::string& candidate : object->members().names()) {
+    if (equalIgnoringCase(candidate, name)) return index;
+    ++index;
+  }
+  return -1;
+}
+
+void setMember(jsObject* object, std::string_view name, jsObject* value) {
+  if (!isObject(object) || name.empty()) return releaseJson(value);
+  if (value == nullptr) return releaseJson(detachMember(object, name));
+  const std::size_t position = positionOf(object, name);
+  if (position == JsonMembers::kNone) return object->members().append(name, value);
+  jsObject* old = object->members().replace(position, value);
+  if (old != value) releaseJson(old);
+}
+
+jsObject* setStringMember(jsObject* object, std::string_view name, std::string_view text) {
+  jsObject* value = makeString(text);
+  setMember(object, name, value);
+  return isObject(object) && !name.empty() ? value : nullptr;
+}
+
+jsObject* setStringMember(jsObject* object, std::string_view name, const char* text) {
+  return setStringMember(object, name,
+                         text == nullptr ? std::string_view() : std::string_view(text));
+}
+
+jsObject* detachMember(jsObject* object, std::string_view name) {
+  const std::size_t position = positionOf(object, name);
+  return position == JsonMembers::kNone ? nullptr : object->members().remove(position);
+}
+
+}  // namespace tunadm

@@ -1,0 +1,138 @@
+#include "json/JsonPrinter.h"
+
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <string_view>
+#include <utility>
+
+namespace tunadm {
+
+namespace {
+
+// Deliberate: a backslash is as plain as a letter and is not doubled.
+bool isPlain(char byte) { return byte >= 0x20 && byte <= 0x7e && byte != '"'; }
+
+void appendEscape(char byte, std::string* out) {
+  constexpr char kHexDigits[] = "0123456789ABCDEF";
+  const unsigned char code = static_cast<unsigned char>(byte);
+  if (code >= 0x80) {
+    out->push_back('?');
+    return;
+  }
+  out->push_back('\\');
+  switch (byte) {
+    case '\b':
+      return out->push_back('b');
+    case '\t':
+      return out->push_back('t');
+    case '\n':
+      return out->push_back('n');
+    case '\r':
+      return out->push_back('r');
+    case '"':
+      return out->push_back('"');
+    default:  // the form feed too, which has no short form here
+      out->append("u00");
+      out->push_back(kHexDigits[code >> 4]);
+      out->push_back(kHexDigits[code & 0xf]);
+  }
+}
+
+void printString(std::string_view text, std::string* out) {
+  out->push_back('"');
+  std::size_t plain_start = 0;
+  for (std::size_t index = 0; index < text.size(); ++index) {
+    if (isPlain(text[index])) continue;
+    out->append(text.substr(plain_start, index - plain_start));
+    appendEscape(text[index], out);
+    plain_start = index + 1;
+  }
+  out->append(text.substr(plain_start));
+  out->push_back('"');
+}
+
+// Deliberate: truncation rounds negative numbers towards zero, so that of those only the ones next
+// to 0 come near their integer; all others print with decimals.
+void printNumber(double number, std::string* out) {
+  constexpr double kNear = 1e-5;
+  constexpr std::size_t kBufferSize = 500;  // the longest, -DBL_MAX, takes 317
+  const double raised = number + 0.5;
+  // Beyond these the conversion to an integer would be undefined; NaN fails both comparisons.
+  if (raised > -2147483649.0 && raised < 2147483648.0) {
+    const std::int32_t rounded = static_cast<std::int32_t>(raised);
+    if (std::fabs(rounded - number) < kNear) {
+      out->append(std::to_string(rounded));
+      return;
+    }
+  }
+  char buffer[kBufferSize];
+  const int length = std::snprintf(buffer, sizeof buffer, "%f", number);
+  out->append(buffer, static_cast<std::size_t>(length));
+}
+
+void printScalar(const jsObject* value, std::string* out) {
+  if (isString(value)) return printString(stringView(value), out);
+  if (isNumber(value)) return printNumber(numberValue(value), out);
+  if (isBoolean(value)) {
+    out->append(booleanValue(value) ? "true" : "false");
+    return;
+  }
+  out->append("null");
+}
+
+// A container whose opening is printed, and the child to go on with.
+struct OpenContainer {
+  const jsObject* container;
+  std::size_t next;
+};
+
+// Opens a container, to be finished by the caller of `open`; prints anything else whole.
+void printStart(const jsObject* value, std::string* out, std::vector<OpenContainer>* open) {
+  const bool is_object = isObject(value);
+  if (!is_object && !isArray(value)) return printScalar(value, out);
+  out->append(is_object ? "{ " : "[ ");
+  open->push_back({value, 0});
+}
+
+}  // namespace
+
+void printJson(const jsObject* value, std::string* out) {
+  if (value == nullptr) return;
+  // A list of the open containers instead of recursion: a tree may be deeper than the stack.
+  std::vector<OpenContainer> open;
+  printStart(value, out, &open);
+  while (!open.empty()) {
+    const jsObject* container = open.back().container;
+    const std::size_t index = open.back().next++;
+    const bool is_object = isObject(container);
+    const std::size_t size = is_object ? objectSize(container) : arraySize(container);
+    if (index == size) {
+      // The opening of an empty container brought its only blank.
+      out->append(size == 0 ? "" : " ").append(is_object ? "}" : "]");
+      open.pop_back();
+      continue;
+    }
+    if (index != 0) out->append(", ");
+    if (is_object) {
+      // Deliberate: the name is not escaped, and no blank follows the colon.
+      out->append("\"").append(memberName(container, index)).append("\":");
+    }
+    printStart(is_object ? memberValue(container, index) : arrayAt(container, index), out, &open);
+  }
+}
+
+std::vector<std::string> arrayToWords(const jsObject* array) {
+  std::vector<std::string> words;
+  words.reserve(arraySize(array));
+  for (std::size_t index = 0; index < arraySize(array); ++index) {
+    const jsObject* element = arrayAt(array, index);
+    std::string word(stringView(element));
+    if (!isString(element)) printJson(element, &word);
+    words.push_back(std::move(word));
+  }
+  return words;
+}
+
+}  // namespace tunadm

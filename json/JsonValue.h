@@ -1,0 +1,124 @@
+// JSON values: trees of jsObject, built and changed by the functions below.
+//
+// A value has one owner: its container or a holder (ScopedJson). Null, the booleans, the numbers
+// -1, 0, 1 and 2 and the empty string are shared instances that every tree may hold and that a
+// release leaves alone. Functions that take a `value` pointer to store own it from then on, also
+// when they do not store it: then they release it. Not for use by several threads at once.
+//
+// A name is any run of bytes; an empty one is no name. An operation on a pointer that is null or of
+// another kind finds nothing (null, 0, empty, -1) and changes nothing.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace tunadm {
+
+// The numbers are fixed.
+enum JsonKind : std::uint32_t {
+  kJsonNull = 1,
+  kJsonBoolean = 2,
+  kJsonNumber = 3,
+  kJsonString = 4,
+  kJsonArray = 5,
+  kJsonObject = 6,
+};
+
+class jsObject;
+
+// Making. The caller owns the result. A null `text` makes the empty string.
+jsObject* makeNull();
+jsObject* makeBoolean(bool boolean);
+jsObject* makeNumber(double number);
+jsObject* makeString(std::string_view text);
+jsObject* makeString(const char* text);
+jsObject* makeArray();
+jsObject* makeObject();
+
+// Frees the whole tree below `value`, shared instances excepted; a null pointer is ignored.
+void releaseJson(jsObject* value);
+
+// A new tree equal to `value`, shared instances shared again; null for a null pointer.
+jsObject* deepCopy(const jsObject* value);
+
+// Kind tests; false for a null pointer.
+bool isNull(const jsObject* value);
+bool isBoolean(const jsObject* value);
+bool isNumber(const jsObject* value);
+bool isString(const jsObject* value);
+bool isArray(const jsObject* value);
+bool isObject(const jsObject* value);
+
+// `value` itself when it is of that kind, else null.
+const jsObject* asNull(const jsObject* value);
+const jsObject* asBoolean(const jsObject* value);
+const jsObject* asNumber(const jsObject* value);
+const jsObject* asString(const jsObject* value);
+const jsObject* asArray(const jsObject* value);
+const jsObject* asObject(const jsObject* value);
+jsObject* asNull(jsObject* value);
+jsObject* asBoolean(jsObject* value);
+jsObject* asNumber(jsObject* value);
+jsObject* asString(jsObject* value);
+jsObject* asArray(jsObject* value);
+jsObject* asObject(jsObject* value);
+
+// Contents of scalars. The texts belong to the value; only stringView shows bytes behind a NUL.
+bool booleanValue(const jsObject* value);
+double numberValue(const jsObject* value);
+const char* stringText(const jsObject* value);
+std::string_view stringView(const jsObject* value);
+
+// Reading arrays. An index outside the array gives null.
+std::size_t arraySize(const jsObject* array);
+const jsObject* arrayAt(const jsObject* array, std::size_t index);
+jsObject* arrayAt(jsObject* array, std::size_t index);
+
+// Appending. A null `value` appends JSON null. All but the first return the appended value, which
+// the array owns.
+void appendValue(jsObject* array, jsObject* value);
+jsObject* appendObject(jsObject* array);
+jsObject* appendNull(jsObject* array);
+jsObject* appendBoolean(jsObject* array, bool boolean);
+jsObject* appendNumber(jsObject* array, double number);
+jsObject* appendString(jsObject* array, std::string_view text);
+jsObject* appendString(jsObject* array, const char* text);
+
+// Replaces and releases the element at `index`; appends when `index` is the size. A null `value`
+// stores JSON null. For an index beyond the size, `value` is released and nothing changes.
+void setAt(jsObject* array, std::size_t index, jsObject* value);
+
+// Removes the element at `index` and returns it, now the caller's; later ones move down by one.
+// Null when there is none.
+[[nodiscard]] jsObject* takeAt(jsObject* array, std::size_t index);
+[[nodiscard]] jsObject* takeLast(jsObject* array);
+
+// Removes and releases the element at `index`, if there is one.
+void removeAt(jsObject* array, std::size_t index);
+
+// Reading objects. An index outside the object gives null or an empty name.
+std::size_t objectSize(const jsObject* object);
+std::string_view memberName(const jsObject* object, std::size_t index);
+const jsObject* memberValue(const jsObject* object, std::size_t index);
+jsObject* memberValue(jsObject* object, std::size_t index);
+
+// The index of the first member of that name, or -1. The second form takes A-Z for a-z and looks at
+// every member.
+std::ptrdiff_t findMember(const jsObject* object, std::string_view name);
+std::ptrdiff_t findMemberIgnoringCase(const jsObject* object, std::string_view name);
+
+// Adds the member at the end, or replaces the value of the member of that name in its place and
+// releases the old one. A null `value` removes the member: the last member takes its place. An
+// empty name only releases `value`.
+void setMember(jsObject* object, std::string_view name, jsObject* value);
+
+// Sets a string made as by makeString; returns it, owned by the object, or null if it was not set.
+jsObject* setStringMember(jsObject* object, std::string_view name, std::string_view text);
+jsObject* setStringMember(jsObject* object, std::string_view name, const char* text);
+
+// Removes the member (the last one takes its place) and returns its value, now the caller's; null
+// when there is none.
+[[nodiscard]] jsObject* detachMember(jsObject* object, std::string_view name);
+
+}  // namespace tunadm

@@ -1,0 +1,53 @@
+// A profile's configuration files: reading the values that commands report, and rewriting single
+// settings without disturbing the rest.
+//
+// The files are the daemon's. Rewriting keeps every line that is not owned, byte for byte, and
+// replaces the file as a whole (work file and move), so that it is the old or the new one at every
+// instant. A missing file is created by it; one that cannot be read is left alone. Callers hold the
+// profile lock while they write.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/Status.h"
+#include "profiles/ConfigText.h"
+
+namespace tunadm {
+
+// Readers: true when the value was found, else false with empty texts. A file that cannot be read
+// reads as empty.
+bool readDeviceId(std::string_view dir_name, std::string* device_id);
+bool readHelmsmanAddress(std::string_view dir_name, std::string* host, std::string* port);
+OverlaySettings readOverlaySettings(std::string_view dir_name);
+bool readMasterInterface(std::string_view dir_name, std::string* name);
+bool readLogLevel(std::string_view dir_name, std::string* level);
+
+// Writers. All report kInvalidArgument for an empty `dir_name`, and of a rewrite kOpenFailed when
+// the file cannot be read or its work file not made, kWriteFailed when it cannot be written and
+// kRenameFailed when it cannot be moved; the file is then as it was.
+
+// An empty `name` is refused with kInvalidArgument.
+Status writeMasterInterface(std::string_view dir_name, std::string_view name);
+
+// Trims `code`. An empty one changes nothing; "###" removes the code from the profile.
+Status writeInvitationCode(std::string_view dir_name, std::string_view code);
+
+// Trims both. Nothing is done when one of them is empty; that is a success, too.
+Status writeLogLevel(std::string_view dir_name, std::string_view level);
+
+// Makes the address the only line of `mapconfig.static`: without a port when `port` is not from 1
+// to 65535, with an empty value when `host` is empty. The file is written in place, mode 0640.
+Status setHelmsmanAddress(std::string_view dir_name, std::string_view host, int port);
+
+// Removes the lines of `file_name` that begin with `prefix`.
+Status removeLinesWithPrefix(std::string_view dir_name, std::string_view file_name,
+                             std::string_view prefix);
+
+// Fills `names` with the interfaces of this host that can be an underlay: those with an IPv4
+// address, once per address, in the host's order; no loopback and no tap devices. False, with an
+// error logged, when the interface table cannot be read (getifaddrs(3)).
+bool read_networks(std::vector<std::string>* names);
+
+}  // namespace tunadm

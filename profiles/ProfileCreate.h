@@ -1,0 +1,27 @@
+// Making a profile out of the factory profile.
+#pragma once
+
+#include <string>
+
+#include "core/Status.h"
+#include "profiles/ProfileSelector.h"
+
+namespace tunadm {
+
+struct CreateRequest {
+  std::string name;          // the wanted friendly name; "profile" when empty
+  bool allow_rename = true;  // take name#2, name#3, ... when the name is taken
+  bool activate = false;
+  std::string network;  // underlay interface; empty leaves the factory's
+  std::string helmsman_host;
+  int helmsman_port = -1;
+  std::string invitation;  // empty leaves the factory's, "###" removes it
+};
+
+// Makes a profile under the profile lock and stores it in `created`. Fails with kAuthRequired (not
+// root), kInvalidArgument (a value holds a line break; nothing has been done then),
+// kApplicationError (no free directory or friendly name), or the status of the file operation that
+// failed. What was done before a failure stays: the next listing names the directory.
+Status createProfile(const CreateRequest& request, ProfileRef* created);
+
+}  // namespace tunadm

@@ -1,0 +1,36 @@
+// Where things lie in the profile store. Nothing here touches the disk.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace tunadm {
+
+// The doubled slash is part of the paths that the daemon and its scripts compare; it stays.
+inline constexpr std::string_view kInstallRoot = "/opt/vrx/";
+inline constexpr std::string_view kProfilesRoot = "/opt/vrx//profiles/";
+
+// Entries of the profiles directory that are no profiles of the user.
+inline constexpr std::string_view kCurrentMarker = ".current";
+inline constexpr std::string_view kFactoryName = ".factory";
+
+// Files of a profile.
+inline constexpr std::string_view kNameFile = "profile_name";
+inline constexpr std::string_view kHipConf = "hip.conf";
+inline constexpr std::string_view kEndboxConf = "endbox.conf";
+inline constexpr std::string_view kMapConfig = "mapconfig.static";
+inline constexpr std::string_view kDeviceId = "device_id";
+inline constexpr std::string_view kStatusFile = "hipvars.txt";
+
+// True for a name that is one path component: not empty, no "/", neither "." nor "..".
+bool isDirName(std::string_view name);
+
+// Each makes a path by plain joining and returns true, or clears `path` and returns false when a
+// name is empty.
+bool rootDirectory(std::string* path);
+bool profileDirectory(std::string_view dir_name, std::string* path);
+bool factoryDirectory(std::string* path);
+bool currentMarkerPath(std::string* path);
+bool profileFile(std::string_view dir_name, std::string_view file_name, std::string* path);
+
+}  // namespace tunadm

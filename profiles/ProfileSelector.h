@@ -1,0 +1,26 @@
+// How a command line names a profile.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "core/Status.h"
+
+namespace tunadm {
+
+struct ProfileRef {
+  std::string dir_name;
+  std::string profile_name;  // the friendly name
+};
+
+// Finds the profile that `selector` names:
+//   "", ".current", "--active"  the current profile
+//   "dir=<dir name>"            the profile in that directory
+//   ".factory"                  the factory profile, unchecked
+//   anything else               the profile of that friendly name
+// Success is kSuccess, or for the current profile kProfileRunning when the daemon runs and
+// kProfileActive otherwise. Fails with kProfileNotFound, or kApplicationError when the store cannot
+// be enumerated (which may repair friendly names on the way).
+Status resolveSelector(std::string_view selector, ProfileRef* profile);
+
+}  // namespace tunadm
