@@ -5,7 +5,7 @@
 
 #include "fundkit/LogLevel.h"
 #include "profiles/ConfigText.h"
-#include "service/InitSystem.h"
+#include "service/SystemImpl.h"
 
 namespace tunadm {
 
@@ -34,6 +34,13 @@ bool HelmsmanParam::setFromText(std::string_view text) {
 bool SysImplParam::setFromText(std::string_view text) {
   value_ = text.empty() ? probeInitSystem() : text;
   return accept();
+}
+
+const std::string& SysImplParam::resolve() {
+  if (value_.empty()) value_ = probeInitSystem();
+  if (value_.empty()) value_ = "null";
+  (void)accept();  // always true
+  return value_;
 }
 
 }  // namespace tunadm

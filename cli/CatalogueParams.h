@@ -85,7 +85,9 @@ class SysImplParam final : public InputParamBase {
  public:
   explicit SysImplParam(ParamList* list) : InputParamBase(list, "sys", Required::kNo) {}
 
-  const std::string& value() const { return value_; }
+  // The name of the init system to use: the one given, else the one that the host shows, else
+  // "null". Counts as presented from then on.
+  const std::string& resolve();
 
   // An empty text stands for the init system that the host shows, if it shows one.
   bool setFromText(std::string_view text) override;

@@ -2,8 +2,14 @@
 
 #include <string>
 
+#include "profiles/ProfileActivate.h"
 #include "profiles/ProfileControl.h"
 #include "profiles/ProfileCreate.h"
+#include "profiles/ProfileDelete.h"
+#include "profiles/ProfileModify.h"
+#include "profiles/ProfileRename.h"
+#include "profiles/ProfileSelector.h"
+#include "profiles/SupportReset.h"
 
 namespace tunadm {
 
@@ -22,6 +28,7 @@ void Hipcmd_CreateProfile::execute(StatusCodeResultField& result) {
   request.helmsman_host = helmsman_.host();
   request.helmsman_port = helmsman_.port();
   request.invitation = invitation_.value();
+  request.system = sys_.resolve();
 
   ProfileRef created;
   result.status() = createProfile(request, &created);
@@ -40,12 +47,47 @@ Hipcmd_ModifyProfile::Hipcmd_ModifyProfile(std::string_view method, const Comman
   helmsman_.makeOptional();
 }
 
-// The work of the following commands is not built yet: their status stays the failure that it
-// starts with.
-void Hipcmd_ActivateProfile::execute(StatusCodeResultField&) {}
-void Hipcmd_DeleteProfile::execute(StatusCodeResultField&) {}
-void Hipcmd_RenameProfile::execute(StatusCodeResultField&) {}
-void Hipcmd_ModifyProfile::execute(StatusCodeResultField&) {}
-void Hipcmd_ProfileReset::execute(StatusCodeResultField&) {}
+void Hipcmd_ModifyProfile::execute(StatusCodeResultField& result) {
+  ProfileRef profile;
+  result.status() = resolveSelector(selector(), &profile);
+  if (!result.status().ok()) return;
+  ModifyRequest request;
+  request.new_name = new_name_.value();
+  request.log_level = log_level_.given();
+  request.invitation = invitation_.value();
+  request.activate = activate_.present();
+  request.system = sys_.resolve();
+  // The defaults of these two are for a new profile; here only what was given changes anything.
+  if (network_.presented()) request.network = network_.value();
+  if (helmsman_.presented()) {
+    request.helmsman_host = helmsman_.host();
+    request.helmsman_port = helmsman_.port();
+  }
+  result.status() = modifyProfile(request, &profile);
+  if (!result.status().ok()) return;
+  // What is missing stays empty; the profile has been changed all the same.
+  (void)cmdGetProfileDetails("dir=" + profile.dir_name, &details_.details());
+}
+
+void Hipcmd_ActivateProfile::execute(StatusCodeResultField& result) {
+  std::string name;
+  result.status() = activateProfile(selector(), sys_.resolve(), &name);
+  profile_name_.set(name);
+}
+
+void Hipcmd_DeleteProfile::execute(StatusCodeResultField& result) {
+  result.status() = deleteProfile(selector());
+}
+
+void Hipcmd_RenameProfile::execute(StatusCodeResultField& result) {
+  result.status() = renameProfile(selector(), new_name_.value());
+  profile_name_.set(new_name_.value());
+}
+
+void Hipcmd_ProfileReset::execute(StatusCodeResultField& result) {
+  std::string name;
+  result.status() = resetProfile(selector(), &name);
+  profile_name_.set(name);
+}
 
 }  // namespace tunadm

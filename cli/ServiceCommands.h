@@ -1,6 +1,7 @@
 // The commands on the service.
 #pragma once
 
+#include <string>
 #include <string_view>
 
 #include "cli/CatalogueParams.h"
@@ -13,6 +14,10 @@ namespace tunadm {
 class ServiceCommand : public TunadmCommandInstance {
  public:
   ServiceCommand(std::string_view method, const CommandWords&) : TunadmCommandInstance(method) {}
+
+ protected:
+  // The name of the init system to use.
+  const std::string& system() { return sys_.resolve(); }
 
  private:
   SysImplParam sys_{paramList()};

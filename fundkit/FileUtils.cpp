@@ -18,6 +18,7 @@ namespace {
 constexpr std::size_t kCopyChunk = 4096;
 constexpr mode_t kCopyMode = 0644;
 constexpr mode_t kLinesMode = 0640;
+constexpr mode_t kNewFileMode = 0666;
 constexpr mode_t kPermissionBits = 0777;
 constexpr std::size_t kReadChunk = 16384;
 constexpr std::size_t kLargestLine = std::size_t{1} << 20;
@@ -133,6 +134,14 @@ Status changeMode(const std::string& path, mode_t mode) {
   const bool so_already =
       stat(path.c_str(), &found) == 0 && (found.st_mode & kPermissionBits) == mode;
   return Status(so_already ? kSuccess : kChmodFailed);
+}
+
+Status overwriteFile(const std::string& path, std::string_view text) {
+  if (path.empty()) return Status(kInvalidArgument);
+  ScopedFd file = openDescriptor(path, O_WRONLY | O_CREAT | O_TRUNC, kNewFileMode);
+  if (!file.valid()) return Status(kOpenFailed);
+  const bool written = writeAll(file.get(), text);
+  return Status(written && file.close() == 0 ? kSuccess : kWriteFailed);
 }
 
 Status writeLines(const std::string& path, const std::vector<std::string>& lines) {

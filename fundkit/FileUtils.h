@@ -8,6 +8,7 @@
 #include <sys/types.h>
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "core/Status.h"
@@ -44,6 +45,10 @@ Status makeNewDirectory(const std::string& path, mode_t mode);
 // Makes the permission bits equal to `mode`. Succeeds when they are so at the end, even if chmod
 // itself was refused. Error: kChmodFailed.
 Status changeMode(const std::string& path, mode_t mode);
+
+// Creates or truncates the file and writes `text`; an existing file keeps its mode. Errors:
+// kOpenFailed, kWriteFailed.
+Status overwriteFile(const std::string& path, std::string_view text);
 
 // Creates or truncates the file and writes each line, up to its first NUL byte, and a line feed;
 // the mode is 0640 afterwards (a failure to set it is ignored). Errors: kOpenFailed, kWriteFailed.

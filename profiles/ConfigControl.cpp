@@ -56,6 +56,15 @@ Status writeSettings(std::string_view dir_name, std::string_view file_name,
 
 }  // namespace
 
+Status refuseLineBreaks(std::initializer_list<std::string_view> values, std::string_view context) {
+  for (const std::string_view value : values) {
+    if (value.find('\n') != std::string_view::npos) {
+      return Status(kInvalidArgument, "value holds a line break", context);
+    }
+  }
+  return Status(kSuccess);
+}
+
 bool readDeviceId(std::string_view dir_name, std::string* device_id) {
   device_id->clear();
   if (!namesProfile(dir_name)) return false;
@@ -118,6 +127,16 @@ Status setHelmsmanAddress(std::string_view dir_name, std::string_view host, int 
   if (!host.empty()) line.append(kScheme).append(host);
   if (!host.empty() && port >= 1 && port <= 65535) line.append(":").append(std::to_string(port));
   return writeLines(path, {line});
+}
+
+Status changeHelmsmanAddress(std::string_view host, int port, std::string_view dir_name) {
+  std::string path;
+  if (!profileFile(dir_name, kMapConfig, &path)) return Status(kInvalidArgument);
+  std::string line(kMapUriKey);
+  line.append(kScheme).append(host).append(":").append(std::to_string(port)).append("\n");
+  Status written = overwriteFile(path, line);
+  if (written.code() == kOpenFailed) written.setCode(kApplicationError);
+  return written;
 }
 
 Status removeLinesWithPrefix(std::string_view dir_name, std::string_view file_name,

@@ -7,6 +7,7 @@
 // profile lock while they write.
 #pragma once
 
+#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,6 +16,10 @@
 #include "profiles/ConfigText.h"
 
 namespace tunadm {
+
+// kInvalidArgument with a text that says so when one of the values holds a line feed: written into
+// one of these files, it would make further settings.
+Status refuseLineBreaks(std::initializer_list<std::string_view> values, std::string_view context);
 
 // Readers: true when the value was found, else false with empty texts. A file that cannot be read
 // reads as empty.
@@ -40,6 +45,10 @@ Status writeLogLevel(std::string_view dir_name, std::string_view level);
 // Makes the address the only line of `mapconfig.static`: without a port when `port` is not from 1
 // to 65535, with an empty value when `host` is empty. The file is written in place, mode 0640.
 Status setHelmsmanAddress(std::string_view dir_name, std::string_view host, int port);
+
+// Makes "host:port" the only line of `mapconfig.static`, written in place; the file keeps its mode.
+// Fails with kApplicationError when it cannot be opened, kWriteFailed when it cannot be written.
+Status changeHelmsmanAddress(std::string_view host, int port, std::string_view dir_name);
 
 // Removes the lines of `file_name` that begin with `prefix`.
 Status removeLinesWithPrefix(std::string_view dir_name, std::string_view file_name,

@@ -12,6 +12,8 @@
 #include "profiles/ProfileList.h"
 #include "profiles/ProfileLock.h"
 #include "profiles/ProfilePaths.h"
+#include "service/ServiceControl.h"
+#include "service/ServiceStatus.h"
 
 namespace tunadm {
 namespace {
@@ -21,14 +23,10 @@ constexpr int kFirstNumber = 123123;
 constexpr int kEndNumber = 999999;
 constexpr std::string_view kCertificates = "/ca-certs";
 
-bool holdsLineBreak(std::string_view text) { return text.find('\n') != std::string_view::npos; }
-
 Status checkValues(const CreateRequest& request) {
-  if (holdsLineBreak(request.name) || holdsLineBreak(request.network) ||
-      holdsLineBreak(request.helmsman_host) || holdsLineBreak(trimmedValue(request.invitation))) {
-    return Status(kInvalidArgument, "value holds a line break", "profile create");
-  }
-  return Status(kSuccess);
+  return refuseLineBreaks(
+      {request.name, request.network, request.helmsman_host, trimmedValue(request.invitation)},
+      "profile create");
 }
 
 // The names in the store, from one listing, so that finding a free one does not have to ask for
@@ -87,6 +85,15 @@ void copyCertificates(const std::string& factory, const std::string& directory) 
   if (makeDirectory(to, 0755).ok()) (void)copyFiles(from, to);
 }
 
+Status writeSettings(const CreateRequest& request, const std::string& dir_name) {
+  if (!request.network.empty()) {
+    if (Status written = writeMasterInterface(dir_name, request.network); !written.ok()) {
+      return written;
+    }
+  }
+  return writeInvitationCode(dir_name, request.invitation);
+}
+
 Status fillProfile(const CreateRequest& request, const ProfileRef& profile) {
   std::string factory;
   std::string directory;
@@ -97,15 +104,23 @@ Status fillProfile(const CreateRequest& request, const ProfileRef& profile) {
   if (Status copied = copyFiles(factory, directory); !copied.ok()) return copied;
   if (Status named = writeLines(name_file, {profile.profile_name}); !named.ok()) return named;
   copyCertificates(factory, directory);
-  return setHelmsmanAddress(profile.dir_name, request.helmsman_host, request.helmsman_port);
+  Status addressed =
+      setHelmsmanAddress(profile.dir_name, request.helmsman_host, request.helmsman_port);
+  return addressed.ok() ? writeSettings(request, profile.dir_name) : addressed;
 }
 
-Status writeSettings(const CreateRequest& request, const ProfileRef& profile) {
-  if (!request.network.empty()) {
-    Status written = writeMasterInterface(profile.dir_name, request.network);
-    if (!written.ok()) return written;
+// A failure never leaves the service stopped, but a profile that is not whole is not run.
+Status fillAndActivate(const CreateRequest& request, const ProfileRef& profile) {
+  const bool daemon_up = isDaemonRunning() != TriState::kNo;
+  if (daemon_up) (void)stopService(request.system, RootCheck::kYes);  // the start tells how it went
+  const Status filled = fillProfile(request, profile);
+  if (!filled.ok()) {
+    if (daemon_up) (void)startService(request.system, RootCheck::kYes);  // the failure is earlier
+    return filled;
   }
-  return writeInvitationCode(profile.dir_name, request.invitation);
+  const bool made_current = setCurrentProfile(profile.dir_name);
+  Status started = startService(request.system, RootCheck::kYes);
+  return made_current ? started : Status(kApplicationError);
 }
 
 }  // namespace
@@ -116,10 +131,7 @@ Status createProfile(const CreateRequest& request, ProfileRef* created) {
   const ProfileLock lock;
   if (Status made = makeProfileDirectory(&created->dir_name); !made.ok()) return made;
   if (Status named = chooseName(request, created); !named.ok()) return named;
-  if (Status filled = fillProfile(request, *created); !filled.ok()) return filled;
-  if (Status written = writeSettings(request, *created); !written.ok()) return written;
-  if (!request.activate) return Status(kSuccess);
-  return Status(setCurrentProfile(created->dir_name) ? kSuccess : kApplicationError);
+  return request.activate ? fillAndActivate(request, *created) : fillProfile(request, *created);
 }
 
 }  // namespace tunadm

@@ -1,10 +1,12 @@
 #include "service/ServiceStatus.h"
 
+#include <climits>
 #include <cstddef>
 #include <cstdlib>
 #include <ctime>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "fundkit/KeyValueFile.h"
 #include "profiles/ProfilePaths.h"
@@ -14,14 +16,42 @@ namespace {
 
 // The daemon updates the file every second; after this many without an update it is gone.
 constexpr long kUpdateIsOldAfter = 6;
+// What it writes about its connections in its first seconds is not to be trusted.
+constexpr long kWarmUp = 4;
 
 bool readStatusFile(KeyValueTable* table) {
   std::string path;
   return currentProfileFile(kStatusFile, &path) && readKeyValueFile(path, '=', std::nullopt, table);
 }
 
-long numberAt(const KeyValueTable& table, int index) {
-  return std::strtol(table.values()[static_cast<std::size_t>(index)].c_str(), nullptr, 10);
+// The value of a key, or null.
+const std::string* valueOf(const KeyValueTable& table, std::string_view key) {
+  const int index = table.find(key);
+  return index < 0 ? nullptr : &table.values()[static_cast<std::size_t>(index)];
+}
+
+// Text that is not a number reads as 0.
+long number(const std::string& text) { return std::strtol(text.c_str(), nullptr, 10); }
+
+// `end` - `start`; times that no clock shows must not overflow it.
+long secondsBetween(long start, long end) {
+  long seconds = 0;
+  if (!__builtin_sub_overflow(end, start, &seconds)) return seconds;
+  return end > start ? LONG_MAX : LONG_MIN;
+}
+
+bool isOld(const std::string& update) {
+  return secondsBetween(number(update), std::time(nullptr)) >= kUpdateIsOldAfter;
+}
+
+void readConnections(const KeyValueTable& table, ServiceState* state) {
+  if (valueOf(table, "hipd_state") == nullptr) return;
+  if (const std::string* peers = valueOf(table, "peers.count"); peers != nullptr) {
+    state->tunnel = number(*peers) < 1 ? TriState::kNo : TriState::kYes;
+  }
+  if (const std::string* up = valueOf(table, "helmsman.up"); up != nullptr) {
+    state->helmsman = *up == "true" ? TriState::kYes : TriState::kNo;
+  }
 }
 
 }  // namespace
@@ -29,13 +59,31 @@ long numberAt(const KeyValueTable& table, int index) {
 TriState isDaemonRunning() {
   KeyValueTable table;
   if (!readStatusFile(&table)) return TriState::kNo;
-  const int now = table.find("uptime.now");
-  const int started = table.find("uptime.started");
-  if (now < 0 || started < 0) return TriState::kUnknown;
-  long age = 0;
-  // A time that no clock shows must not overflow the difference.
-  if (__builtin_sub_overflow(std::time(nullptr), numberAt(table, now), &age)) return TriState::kNo;
-  return age < kUpdateIsOldAfter ? TriState::kYes : TriState::kNo;
+  const std::string* const update = valueOf(table, "uptime.now");
+  if (update == nullptr || valueOf(table, "uptime.started") == nullptr) return TriState::kUnknown;
+  return isOld(*update) ? TriState::kNo : TriState::kYes;
+}
+
+Status readServiceState(ServiceState* state) {
+  *state = ServiceState();
+  state->running = isDaemonRunning();
+  if (state->running != TriState::kYes) return Status(kSuccess);
+
+  // The daemon may have rewritten the file since: look again at all of it.
+  KeyValueTable table;
+  if (!readStatusFile(&table)) {
+    state->running = TriState::kNo;
+    return Status(kSuccess);
+  }
+  const std::string* const update = valueOf(table, "uptime.now");
+  const std::string* const started = valueOf(table, "uptime.started");
+  if (update == nullptr || started == nullptr) return Status(kApplicationError);
+  if (isOld(*update)) {
+    state->running = TriState::kNo;
+  } else if (secondsBetween(number(*started), number(*update)) > kWarmUp) {
+    readConnections(table, state);
+  }
+  return Status(kSuccess);
 }
 
 TriState isCurrentProfile(const ProfileIdentity& profile) {

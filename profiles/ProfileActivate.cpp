@@ -1,0 +1,37 @@
+#include "profiles/ProfileActivate.h"
+
+#include "core/ProgramStatus.h"
+#include "profiles/CurrentProfile.h"
+#include "profiles/ProfileLock.h"
+#include "profiles/ProfileSelector.h"
+#include "service/ServiceControl.h"
+
+namespace tunadm {
+namespace {
+
+// Deliberate: the service is stopped whatever its state, as the daemon may run without a status
+// file of its own yet.
+Status switchTo(const ProfileRef& profile, std::string_view system) {
+  const Status stopped = stopService(system, RootCheck::kNo);
+  const bool made_current = setCurrentProfile(profile.dir_name);
+  const Status started = startService(system, RootCheck::kNo);
+  if (!stopped.ok()) return stopped;
+  return made_current ? started : Status(kApplicationError);
+}
+
+}  // namespace
+
+Status activateProfile(std::string_view selector, std::string_view system,
+                       std::string* profile_name) {
+  if (selector.empty()) return Status(kInvalidArgument);
+  const ProfileLock lock;
+  ProfileRef profile;
+  const Status found = resolveSelector(selector, &profile);
+  if (!found.ok()) return found;
+  *profile_name = profile.profile_name;
+  if (found.code() == kProfileRunning) return Status(kSuccess);
+  if (found.code() == kProfileActive) return startService(system, RootCheck::kNo);
+  return switchTo(profile, system);
+}
+
+}  // namespace tunadm

@@ -1,0 +1,37 @@
+// Changing the settings of a profile.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "core/Status.h"
+#include "profiles/ProfileSelector.h"
+
+namespace tunadm {
+
+// What is empty stays as it is; so does the port when it is not from 1 to 65535.
+struct ModifyRequest {
+  std::string new_name;
+  std::string helmsman_host;
+  int helmsman_port = -1;
+  std::string network;
+  std::string invitation;  // "###" removes it
+  std::string log_level;
+  bool activate = false;  // restart the service around the change
+  std::string system;     // the init system's name
+};
+
+// Changes `profile`, which has been resolved before; its friendly name is the new one afterwards.
+// The daemon's state files are removed along with it. With `activate`, a profile that is current or
+// a daemon that may be running makes the service restart around the changes: it is stopped if it
+// may be running, and started in any case.
+//
+// Fails with kAuthRequired (not root), kInvalidArgument (a value holds a line break, or a new name
+// that is taken or reserved; nothing has been done then), or the first failure among stop, changes
+// and start. Of the changes, a Helmsman or log level that cannot be changed ends them
+// (kApplicationError, kWriteFailed). The state files of a running profile are not removed;
+// kRefusedWhileRunning says so, unless the network or name was changed after that. What was changed
+// before a failure stays.
+Status modifyProfile(const ModifyRequest& request, ProfileRef* profile);
+
+}  // namespace tunadm

@@ -1,0 +1,23 @@
+// Starting, stopping and restarting the daemon's service.
+#pragma once
+
+#include <string_view>
+
+#include "core/Status.h"
+
+namespace tunadm {
+
+enum class RootCheck { kNo, kYes };
+
+// Each runs the command of the init system named `system` (see selectSystem) in a child process and
+// waits for it; the child's output goes where this process's own goes. Fails with kAuthRequired
+// (nothing runs then), kForkFailed, kChildExitedNonzero (also when the command could not be run),
+// kChildSignalled or kWaitpidFailed.
+Status startService(std::string_view system, RootCheck check);
+Status stopService(std::string_view system, RootCheck check);
+Status restartService(std::string_view system, RootCheck check);
+
+// The status for a child's outcome (ChildProcess.h).
+Status outcomeStatus(int outcome);
+
+}  // namespace tunadm

@@ -1,0 +1,34 @@
+// The adapters that know how each init system is told to start, stop and restart the service.
+#pragma once
+
+#include <string_view>
+
+namespace tunadm {
+
+// Start, stop and restart are for a child process: they replace its image by the init system's
+// command, or end it with exit code 101 when that cannot be run.
+class SystemSpecificImpl {
+ public:
+  SystemSpecificImpl() = default;
+  SystemSpecificImpl(const SystemSpecificImpl&) = delete;
+  SystemSpecificImpl& operator=(const SystemSpecificImpl&) = delete;
+  virtual ~SystemSpecificImpl() = default;
+
+  virtual std::string_view name() const = 0;
+  [[noreturn]] virtual void start() const = 0;
+  [[noreturn]] virtual void stop() const = 0;
+  [[noreturn]] virtual void restart() const = 0;
+};
+
+// Installs the adapter of that name for the process, in the place of the old one. An empty name
+// changes nothing; an unknown one leaves none installed.
+void selectSystem(std::string_view name);
+
+// The installed adapter. When there is none, systemd's is installed first.
+const SystemSpecificImpl& currentSystem();
+
+// The name of the init system by the marker files of the installation, "systemd" or "initd"; empty
+// when neither is there.
+std::string_view probeInitSystem();
+
+}  // namespace tunadm
