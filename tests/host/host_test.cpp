@@ -1,6 +1,5 @@
 // Holds the throw-away host and its helper to what every other test of the program relies on.
 #include <errno.h>
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <stdlib.h>
 #include <sys/stat.h>
@@ -13,9 +12,10 @@ namespace {
 
 TEST(Host, MachineIsOutOfReach) {
   TestHost host;
-  EXPECT_EQ(open("/usr/lib/written", O_WRONLY | O_CREAT | O_CLOEXEC, 0600), -1);
+  EXPECT_EQ(access("/usr/lib", W_OK), -1);
   EXPECT_EQ(errno, EROFS);
-  EXPECT_NE(chmod("/dev/null", 0600), 0);
+  EXPECT_EQ(chmod("/dev/null", 0666), -1)
+      << "the mode that it has: harmless if it is the machine's";
   EXPECT_TRUE(host.exists("/proc/1/root/.throwaway-host")) << "a process of the machine is seen";
   for (const char* path : {"/boot", "/etc/hostname", "/usr/bin/apt-get", "/var/lib", "/dev/pts"}) {
     EXPECT_FALSE(host.exists(path)) << path;
