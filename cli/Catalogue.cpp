@@ -1,5 +1,7 @@
 #include "cli/Catalogue.h"
 
+#include <cstddef>
+
 #include "cli/HelpCommands.h"
 #include "cli/JsonCommand.h"
 #include "cli/ListCommands.h"
@@ -11,8 +13,8 @@ namespace tunadm {
 namespace {
 
 template <typename Command>
-TunadmCommandInstance* make(std::string_view method, const CommandWords& words) {
-  return new Command(method, words);
+ScopedPtr<TunadmCommandInstance> make(std::string_view method, const CommandWords& words) {
+  return ScopedPtr<TunadmCommandInstance>(new Command(method, words));
 }
 
 constexpr std::string_view kProfile = " <profile name>";
@@ -142,12 +144,13 @@ const CommandRow* findInfix(const Words& words) {
   return nullptr;
 }
 
-TunadmCommandInstance* create(const CommandEntry& command, std::string_view target,
-                              const Words& words) {
+ScopedPtr<TunadmCommandInstance> create(const CommandEntry& command, std::string_view target,
+                                        const Words& words) {
   return command.make(command.name, {target, words});
 }
 
-TunadmCommandInstance* createFromRow(const CommandRow& row, const Words& words, int* consumed) {
+ScopedPtr<TunadmCommandInstance> createFromRow(const CommandRow& row, const Words& words,
+                                               int* consumed) {
   std::string_view target;
   if (row.form == Form::kTarget) target = words[2];
   if (row.form == Form::kPair && row.second.empty()) target = words[1];
@@ -157,7 +160,7 @@ TunadmCommandInstance* createFromRow(const CommandRow& row, const Words& words, 
 
 }  // namespace
 
-TunadmCommandInstance* lookUpCommand(std::vector<std::string>* words, int* consumed) {
+ScopedPtr<TunadmCommandInstance> lookUpCommand(std::vector<std::string>* words, int* consumed) {
   // Callers may repeat the program's name.
   if (!words->empty() && words->front() == "tunadm") words->erase(words->begin());
   if (words->empty()) {
@@ -172,7 +175,7 @@ TunadmCommandInstance* lookUpCommand(std::vector<std::string>* words, int* consu
     return create(*row->command, (*words)[1], *words);
   }
   *consumed = -1;
-  return nullptr;
+  return ScopedPtr<TunadmCommandInstance>();
 }
 
 }  // namespace tunadm

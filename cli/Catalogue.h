@@ -1,13 +1,13 @@
 // The catalogue of commands, and the lookup of one by the leading words of a command line.
 #pragma once
 
-#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "cli/CommandWords.h"
 #include "core/CommandCore.h"
+#include "json/ScopedRelease.h"
 
 namespace tunadm {
 
@@ -16,12 +16,12 @@ struct CommandEntry {
   std::string_view name;         // also the method name that --verbose shows
   std::string_view placeholder;  // of the leading positional value, with its leading blank
   std::string_view description;  // empty for the help commands, which have no help page
-  TunadmCommandInstance* (*make)(std::string_view method, const CommandWords& words);
+  ScopedPtr<TunadmCommandInstance> (*make)(std::string_view method, const CommandWords& words);
 };
 
-// Finds the command that the leading words of `words` name and creates it; the caller owns it. Null
-// when there is none. Removes a first word that repeats the program's name. Stores in `consumed`
-// how many words named the command, -1 for none.
-[[nodiscard]] TunadmCommandInstance* lookUpCommand(std::vector<std::string>* words, int* consumed);
+// Finds the command that the leading words of `words` name and creates it; empty when there is
+// none. Removes a first word that repeats the program's name. Stores in `consumed` how many words
+// named the command, -1 for none.
+ScopedPtr<TunadmCommandInstance> lookUpCommand(std::vector<std::string>* words, int* consumed);
 
 }  // namespace tunadm

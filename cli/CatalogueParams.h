@@ -45,7 +45,7 @@ class OptionalLogLevelParam final : public InputParamBase {
   explicit OptionalLogLevelParam(ParamList* list)
       : InputParamBase(list, "log_level", Required::kNo) {}
 
-  // The canonical full name of the level.
+  // The canonical full name of the level; "info" when none was given.
   const std::string& value() const { return value_; }
   // The text as it was given; empty when none was.
   const std::string& given() const { return given_; }

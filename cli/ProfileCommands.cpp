@@ -48,9 +48,6 @@ Hipcmd_ModifyProfile::Hipcmd_ModifyProfile(std::string_view method, const Comman
 }
 
 void Hipcmd_ModifyProfile::execute(StatusCodeResultField& result) {
-  ProfileRef profile;
-  result.status() = resolveSelector(selector(), &profile);
-  if (!result.status().ok()) return;
   ModifyRequest request;
   request.new_name = new_name_.value();
   request.log_level = log_level_.given();
@@ -63,7 +60,8 @@ void Hipcmd_ModifyProfile::execute(StatusCodeResultField& result) {
     request.helmsman_host = helmsman_.host();
     request.helmsman_port = helmsman_.port();
   }
-  result.status() = modifyProfile(request, &profile);
+  ProfileRef profile;
+  result.status() = modifyProfile(selector(), request, &profile);
   if (!result.status().ok()) return;
   // What is missing stays empty; the profile has been changed all the same.
   (void)cmdGetProfileDetails("dir=" + profile.dir_name, &details_.details());

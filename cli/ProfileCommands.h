@@ -1,6 +1,7 @@
 // The commands on one profile.
 #pragma once
 
+#include <string>
 #include <string_view>
 
 #include "cli/CatalogueParams.h"

@@ -2,7 +2,7 @@
 
 #include <unistd.h>
 
-#include <cerrno>
+#include <csignal>
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -12,30 +12,19 @@
 #include "core/Privilege.h"
 #include "core/ProgramStatus.h"
 #include "core/StatusText.h"
+#include "fundkit/DescriptorIo.h"
 #include "json/ScopedJson.h"
 #include "json/ScopedRelease.h"
 
 namespace tunadm {
 namespace {
 
-// The exit status does not depend on whether anybody reads the output, so a failure ends the
-// printing and nothing else.
-void writeOut(const std::string& text) {
-  std::size_t done = 0;
-  while (done < text.size()) {
-    const ssize_t count = write(STDOUT_FILENO, text.data() + done, text.size() - done);
-    if (count > 0) {
-      done += static_cast<std::size_t>(count);
-    } else if (count < 0 && errno != EINTR) {
-      return;
-    }
-  }
-}
-
+// The exit status does not depend on whether anybody reads the output.
 void printLines(const std::vector<std::string>& lines) {
   std::string text;
   for (const std::string& line : lines) text.append(line).append("\n");
-  writeOut(text);
+  (void)std::signal(SIGPIPE, SIG_IGN);  // not earlier: a child would inherit it
+  (void)writeAll(STDOUT_FILENO, text);
 }
 
 void printUsage(const std::string& program) {
@@ -63,7 +52,7 @@ int runProgram(int argc, char** argv) {
 
   std::vector<std::string> words(argv + 1, argv + argc);
   int consumed = 0;
-  const ScopedPtr<TunadmCommandInstance> command(lookUpCommand(&words, &consumed));
+  const ScopedPtr<TunadmCommandInstance> command = lookUpCommand(&words, &consumed);
   if (!command) {
     printLines({"invalid command name"});
     return 1;

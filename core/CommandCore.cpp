@@ -1,5 +1,6 @@
 #include "core/CommandCore.h"
 
+#include <cstdint>
 #include <limits>
 
 #include "json/JsonPrinter.h"

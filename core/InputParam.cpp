@@ -3,7 +3,7 @@
 #include <charconv>
 #include <cstddef>
 
-#include "core/Text.h"
+#include "json/AsciiCase.h"
 
 namespace tunadm {
 namespace {

@@ -1,5 +1,7 @@
 #include "core/ValueBinder.h"
 
+#include <utility>
+
 namespace tunadm {
 
 bool ValueBinder::addText(std::string_view, std::string_view) { return false; }

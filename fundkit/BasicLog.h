@@ -88,8 +88,7 @@ class LogStatement {
   std::unique_ptr<LogMessage> message_;
 };
 
-// The last component of a source path, for TUNADM_LOG(..., sourceFileName(__FILE__), __func__,
-// ...).
+// The last component of a source path; with __func__ for statements without a fixed place.
 constexpr std::string_view sourceFileName(std::string_view path) {
   return path.substr(path.rfind('/') + 1);
 }

@@ -8,18 +8,8 @@
 namespace tunadm {
 namespace {
 
-struct LevelName {
-  std::string_view name;
-  LogLevel level;
-};
-
-constexpr LevelName kLevelNames[] = {
-    {"TRACE", kLogTrace},     {"DEBUG", kLogDebug},    {"INFO", kLogInfo},
-    {"NOTICE", kLogNotice},   {"WARN", kLogWarning},   {"ERR", kLogError},
-    {"WARNING", kLogWarning}, {"ERROR", kLogError},    {"FATAL", kLogFatal},
-    {"PANIC", kLogFatal},     {"EMERG", kLogFatal},    {"ALERT", kLogFatal},
-    {"EMERGENCY", kLogFatal}, {"CRITICAL", kLogFatal},
-};
+// Words that stand for FATAL besides its name.
+constexpr std::string_view kFatalWords[] = {"PANIC", "EMERG", "EMERGENCY", "CRITICAL", "ALERT"};
 
 constexpr char upperAscii(char byte) {
   return byte >= 'a' && byte <= 'z' ? static_cast<char>(byte - 'a' + 'A') : byte;
@@ -44,7 +34,9 @@ bool isBlankToEnd(std::string_view text) {
 }
 
 // Deliberate: of the blanks only the space ends a name before further text.
-bool endsName(std::string_view after) {
+bool isName(std::string_view text, std::string_view name) {
+  if (name.empty() || !beginsWithName(text, name)) return false;
+  const std::string_view after = text.substr(name.size());
   return after.empty() || after[0] == ' ' || after[0] == ']' || isBlankToEnd(after);
 }
 
@@ -85,10 +77,11 @@ LogLevel parseLevel(std::string_view text) {
     if (beginsWithName(text, entry.short_name)) return &entry;
   }
   if (!text.empty() && text[0] == '[') text.remove_prefix(1);
-  for (const LevelName& entry : kLevelNames) {
-    if (beginsWithName(text, entry.name) && endsName(text.substr(entry.name.size()))) {
-      return entry.level;
-    }
+  for (const LogLevelDescriptor& entry : kLogLevels) {
+    if (isName(text, entry.full_name) || isName(text, entry.alternative_name)) return &entry;
+  }
+  for (const std::string_view word : kFatalWords) {
+    if (isName(text, word)) return kLogFatal;
   }
   return kLogInfo;
 }

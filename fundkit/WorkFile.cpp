@@ -25,7 +25,8 @@ mode_t defaultMode() {
 // Gives the open work file the owner, group and mode that the file at `path` is to have.
 bool setAttributes(int work_file, const std::string& path) {
   struct stat replaced {};
-  if (lstat(path.c_str(), &replaced) != 0 || !S_ISREG(replaced.st_mode)) {
+  // A link gives way to a file as well protected as what it led to.
+  if (stat(path.c_str(), &replaced) != 0 || !S_ISREG(replaced.st_mode)) {
     return fchmod(work_file, defaultMode()) == 0;
   }
   struct stat own {};

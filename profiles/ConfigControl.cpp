@@ -8,6 +8,7 @@
 #include "fundkit/BasicLog.h"
 #include "fundkit/FileUtils.h"
 #include "fundkit/KeyValueFile.h"
+#include "fundkit/LineReader.h"
 #include "fundkit/WorkFile.h"
 #include "profiles/NetworkInterfaces.h"
 #include "profiles/ProfilePaths.h"
@@ -105,7 +106,7 @@ Status writeMasterInterface(std::string_view dir_name, std::string_view name) {
 }
 
 Status writeInvitationCode(std::string_view dir_name, std::string_view code) {
-  const std::string_view trimmed = trimmedValue(code);
+  const std::string_view trimmed = trimGraphic(code);
   if (trimmed.empty()) return Status(kSuccess);
   if (trimmed == kNoCode) return removeLinesWithPrefix(dir_name, kEndboxConf, kActivationCodeKey);
   const Setting settings[] = {{kActivationCodeKey, trimmed}};
@@ -113,8 +114,8 @@ Status writeInvitationCode(std::string_view dir_name, std::string_view code) {
 }
 
 Status writeLogLevel(std::string_view dir_name, std::string_view level) {
-  const std::string_view dir = trimmedValue(dir_name);
-  const std::string_view value = trimmedValue(level);
+  const std::string_view dir = trimGraphic(dir_name);
+  const std::string_view value = trimGraphic(level);
   if (dir.empty() || value.empty()) return Status(kSuccess);
   const Setting settings[] = {{kLogLevelKey, value}, {kOpenhipLogLevelKey, value}};
   return writeSettings(dir, kEndboxConf, settings);

@@ -18,7 +18,7 @@
 namespace tunadm {
 
 // kInvalidArgument with a text that says so when one of the values holds a line feed: written into
-// one of these files, it would make further settings.
+// a file of lines, it would make further ones.
 Status refuseLineBreaks(std::initializer_list<std::string_view> values, std::string_view context);
 
 // Readers: true when the value was found, else false with empty texts. A file that cannot be read
@@ -29,9 +29,10 @@ OverlaySettings readOverlaySettings(std::string_view dir_name);
 bool readMasterInterface(std::string_view dir_name, std::string* name);
 bool readLogLevel(std::string_view dir_name, std::string* level);
 
-// Writers. All report kInvalidArgument for an empty `dir_name`, and of a rewrite kOpenFailed when
-// the file cannot be read or its work file not made, kWriteFailed when it cannot be written and
-// kRenameFailed when it cannot be moved; the file is then as it was.
+// Writers. Where there is something to write they report kInvalidArgument for an empty `dir_name`,
+// and of a rewrite kOpenFailed or kReadFailed when the file cannot be read, kOpenFailed when its
+// work file cannot be made, kWriteFailed when that cannot be written and kRenameFailed when it
+// cannot be moved; the file is then as it was.
 
 // An empty `name` is refused with kInvalidArgument.
 Status writeMasterInterface(std::string_view dir_name, std::string_view name);

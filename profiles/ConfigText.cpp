@@ -34,8 +34,6 @@ void appendLine(std::string* text, const Setting& setting) {
 
 }  // namespace
 
-std::string_view trimmedValue(std::string_view value) { return trimGraphic(value); }
-
 std::string firstNonEmptyLine(std::string_view text) {
   LineReader lines(text, kLineBuffer);
   LinePiece piece;

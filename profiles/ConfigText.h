@@ -55,7 +55,4 @@ std::string withSettings(std::string_view text, std::span<const Setting> setting
 // `text` without the lines that begin with `prefix`.
 std::string withoutLines(std::string_view text, std::string_view prefix);
 
-// `code` without unprintable bytes and blanks at its ends, as it is written and read.
-std::string_view trimmedValue(std::string_view value);
-
 }  // namespace tunadm

@@ -1,5 +1,7 @@
 #include "profiles/CurrentProfile.h"
 
+#include <utility>
+
 #include "fundkit/FileUtils.h"
 #include "profiles/ProfileList.h"
 #include "profiles/ProfilePaths.h"
@@ -57,6 +59,7 @@ bool currentProfileFile(std::string_view file_name, std::string* path) {
 }
 
 bool setCurrentProfile(std::string_view dir_name) {
+  if (!isDirName(dir_name) || dir_name.find('\n') != std::string_view::npos) return false;
   std::string marker;
   (void)currentMarkerPath(&marker);  // cannot fail: the name is a constant
   return writeLines(marker, {std::string(dir_name)}).ok() && changeMode(marker, 0666).ok();

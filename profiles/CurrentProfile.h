@@ -26,7 +26,7 @@ bool currentProfileDirectory(std::string* path);
 bool currentProfileFile(std::string_view file_name, std::string* path);
 
 // Writes the marker and makes it writable by all, so that later runs by other users can rewrite
-// it. False when either fails.
+// it. False when either fails, or when the name would not come back as one line.
 bool setCurrentProfile(std::string_view dir_name);
 
 // The friendly name of the profile in `dir_name`, or `dir_name` itself when its name file cannot be

@@ -68,8 +68,8 @@ bool enterCurrentProfile(char* buffer, std::size_t size) {
   return copyOut(found, path, buffer, size);
 }
 
-bool uniqueName(const char* base, TakenNames* taken, char* buffer, std::size_t size) {
-  return copyOut(true, taken->uniqueName(base), buffer, size);
+bool uniqueName(std::string_view base, TakenNames* taken, char* buffer, std::size_t size) {
+  return copyOut(true, taken->uniqueName(std::string(base)), buffer, size);
 }
 
 }  // namespace tunadm

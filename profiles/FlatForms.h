@@ -21,6 +21,6 @@ bool profileFile(std::string_view dir_name, std::string_view file_name, char* bu
                  std::size_t size);
 bool currentProfileFile(std::string_view file_name, char* buffer, std::size_t size);
 bool enterCurrentProfile(char* buffer, std::size_t size);
-bool uniqueName(const char* base, TakenNames* taken, char* buffer, std::size_t size);
+bool uniqueName(std::string_view base, TakenNames* taken, char* buffer, std::size_t size);
 
 }  // namespace tunadm

@@ -12,8 +12,7 @@ namespace tunadm {
 namespace {
 
 // Deliberate: the address is compared as it is stored, in network byte order, so that a
-// little-endian host refuses a.b.254.169 and takes 169.254.c.d. The daemon picks its interface by
-// the same test.
+// little-endian host refuses a.b.254.169 and takes 169.254.c.d.
 bool isLinkLocal(const sockaddr* address) {
   sockaddr_in ipv4;
   std::memcpy(&ipv4, address, sizeof ipv4);

@@ -9,8 +9,7 @@
 namespace tunadm {
 namespace {
 
-// Deliberate: the service is stopped whatever its state, as the daemon may run without a status
-// file of its own yet.
+// Deliberate: the service is stopped first whatever the daemon's state seems to be.
 Status switchTo(const ProfileRef& profile, std::string_view system) {
   const Status stopped = stopService(system, RootCheck::kNo);
   const bool made_current = setCurrentProfile(profile.dir_name);

@@ -25,6 +25,7 @@ void readSettings(const std::string& dir_name, ProfileDetails* details) {
 }  // namespace
 
 Status listProfiles(ProfileListing* listing) {
+  *listing = ProfileListing();
   if (!enumerateProfiles(&listing->profiles)) return Status(kApplicationError);
   ProfileIdentity current = lookUpCurrentProfile();
   listing->current_dir = std::move(current.dir_name);

@@ -16,7 +16,7 @@ struct ProfileListing {
   std::string current_name;
 };
 
-// Fails with kApplicationError when the store cannot be enumerated.
+// Fails with kApplicationError, and `listing` empty, when the store cannot be enumerated.
 Status listProfiles(ProfileListing* listing);
 
 // What is missing on disk stays empty.
@@ -34,7 +34,7 @@ struct ProfileDetails {
   std::string log_level;
 };
 
-// Fails only as resolveSelector does.
+// Fails only as resolveSelector does, and leaves `details` as it was then.
 Status cmdGetProfileDetails(std::string_view selector, ProfileDetails* details);
 
 }  // namespace tunadm

@@ -7,6 +7,7 @@
 #include "core/Privilege.h"
 #include "fundkit/DirectoryListing.h"
 #include "fundkit/FileUtils.h"
+#include "fundkit/LineReader.h"
 #include "profiles/ConfigControl.h"
 #include "profiles/CurrentProfile.h"
 #include "profiles/ProfileList.h"
@@ -18,14 +19,14 @@
 namespace tunadm {
 namespace {
 
-// The first number of a dir name is arbitrary but fixed: installations have come to know it.
+// Deliberate: the number of the first dir name is fixed.
 constexpr int kFirstNumber = 123123;
 constexpr int kEndNumber = 999999;
 constexpr std::string_view kCertificates = "/ca-certs";
 
 Status checkValues(const CreateRequest& request) {
   return refuseLineBreaks(
-      {request.name, request.network, request.helmsman_host, trimmedValue(request.invitation)},
+      {request.name, request.network, request.helmsman_host, trimGraphic(request.invitation)},
       "profile create");
 }
 
@@ -49,6 +50,8 @@ Status makeProfileDirectory(std::string* dir_name) {
     std::string path;
     (void)profileDirectory(*dir_name, &path);  // the name is not empty
     if (makeNewDirectory(path, 0755).ok()) return Status(kSuccess);
+    // Still nothing there: the store itself is at fault, and refuses every further name, too.
+    if (isMissing(path)) break;
   }
   return Status(kApplicationError);
 }
@@ -81,7 +84,7 @@ Status copyFiles(const std::string& from, const std::string& to) {
 void copyCertificates(const std::string& factory, const std::string& directory) {
   const std::string from = factory + std::string(kCertificates);
   const std::string to = directory + std::string(kCertificates);
-  // A factory profile need not have any; the daemon fetches those that it misses.
+  // A factory profile need not have any.
   if (makeDirectory(to, 0755).ok()) (void)copyFiles(from, to);
 }
 

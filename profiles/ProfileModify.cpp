@@ -1,7 +1,8 @@
 #include "profiles/ProfileModify.h"
 
 #include "core/Privilege.h"
-#include "core/Text.h"
+#include "fundkit/LineReader.h"
+#include "json/AsciiCase.h"
 #include "profiles/ConfigControl.h"
 #include "profiles/CurrentProfile.h"
 #include "profiles/ProfileLock.h"
@@ -98,13 +99,17 @@ Status applyAroundRestart(const ModifyRequest& request, bool daemon_up, ProfileR
 
 }  // namespace
 
-Status modifyProfile(const ModifyRequest& request, ProfileRef* profile) {
+Status modifyProfile(std::string_view selector, const ModifyRequest& request, ProfileRef* profile) {
+  // Anybody is told that there is no such profile.
+  if (Status found = resolveSelector(selector, profile); !found.ok()) return found;
   if (!isPrivileged()) return Status(kAuthRequired);
   Status checked = refuseLineBreaks(
-      {request.new_name, request.helmsman_host, request.network, trimmedValue(request.invitation)},
+      {request.new_name, request.helmsman_host, request.network, trimGraphic(request.invitation)},
       kContext);
   if (!checked.ok()) return checked;
   const ProfileLock lock;
+  // What was found before may have been renamed or deleted while the lock was waited for.
+  if (Status found = resolveSelector(selector, profile); !found.ok()) return found;
   if (!request.new_name.empty() && !isNewName(request.new_name)) {
     return Status(kInvalidArgument, "invalid profile name", kContext);
   }

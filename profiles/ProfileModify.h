@@ -21,17 +21,17 @@ struct ModifyRequest {
   std::string system;     // the init system's name
 };
 
-// Changes `profile`, which has been resolved before; its friendly name is the new one afterwards.
-// The daemon's state files are removed along with it. With `activate`, a profile that is current or
-// a daemon that may be running makes the service restart around the changes: it is stopped if it
-// may be running, and started in any case.
+// Changes the profile that `selector` names and stores it in `profile`, with its new name if it has
+// one. The daemon's state files are removed along with it. With `activate`, a profile that is
+// current or a daemon that may be running makes the service restart around the changes: it is
+// stopped if it may be running, and started in any case.
 //
-// Fails with kAuthRequired (not root), kInvalidArgument (a value holds a line break, or a new name
-// that is taken or reserved; nothing has been done then), or the first failure among stop, changes
-// and start. Of the changes, a Helmsman or log level that cannot be changed ends them
-// (kApplicationError, kWriteFailed). The state files of a running profile are not removed;
-// kRefusedWhileRunning says so, unless the network or name was changed after that. What was changed
-// before a failure stays.
-Status modifyProfile(const ModifyRequest& request, ProfileRef* profile);
+// Fails as resolveSelector, with kAuthRequired (not root), kInvalidArgument (a value holds a line
+// break, or a new name that is taken or reserved; nothing has been done then), or the first failure
+// among stop, changes and start. Of the changes, a Helmsman or log level that cannot be changed
+// ends them (kApplicationError, kWriteFailed). The state files of a running profile are not
+// removed; kRefusedWhileRunning says so, unless the network or name was changed after that. What
+// was changed before a failure stays.
+Status modifyProfile(std::string_view selector, const ModifyRequest& request, ProfileRef* profile);
 
 }  // namespace tunadm

@@ -6,7 +6,7 @@
 
 namespace tunadm {
 
-// The doubled slash is part of the paths that the daemon and its scripts compare; it stays.
+// Deliberate: the doubled slash is part of the paths, and shows where they are printed.
 inline constexpr std::string_view kInstallRoot = "/opt/vrx/";
 inline constexpr std::string_view kProfilesRoot = "/opt/vrx//profiles/";
 

@@ -16,11 +16,11 @@ struct ProfileRef {
 // Finds the profile that `selector` names:
 //   "", ".current", "--active"  the current profile
 //   "dir=<dir name>"            the profile in that directory
-//   ".factory"                  the factory profile, unchecked
+//   ".factory"                  the factory profile, unchecked, always kSuccess
 //   anything else               the profile of that friendly name
 // Success is kSuccess, or for the current profile kProfileRunning when the daemon runs and
 // kProfileActive otherwise. Fails with kProfileNotFound, or kApplicationError when the store cannot
-// be enumerated (which may repair friendly names on the way).
+// be enumerated (which may repair friendly names on the way); `profile` is left as it was then.
 Status resolveSelector(std::string_view selector, ProfileRef* profile);
 
 }  // namespace tunadm

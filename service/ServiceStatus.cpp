@@ -14,7 +14,7 @@
 namespace tunadm {
 namespace {
 
-// The daemon updates the file every second; after this many without an update it is gone.
+// After this many seconds without an update of the file, the daemon is gone.
 constexpr long kUpdateIsOldAfter = 6;
 // What it writes about its connections in its first seconds is not to be trusted.
 constexpr long kWarmUp = 4;

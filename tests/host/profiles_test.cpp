@@ -4,6 +4,10 @@
 #include <unistd.h>
 
 #include <map>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 #include "profiles/ConfigControl.h"
 #include "profiles/CurrentProfile.h"
@@ -51,12 +55,15 @@ TEST(ProfileList, RepairsNamesOnDisk) {
   EXPECT_FALSE(host.exists("/tmp/lock/profiles.lock"));
 }
 
-TEST(ProfileList, EmptyAndMissingStore) {
+TEST(ProfileList, StoresThatCannotBeListed) {
   TestHost host;
   EXPECT_EQ(enumerated(), Pairs());
-  ASSERT_EQ(rmdir("/opt/vrx/profiles"), 0);
   ProfileList list;
+  host.profile("a").named("fine").file("b/profile_name/in-its-place", "");
+  EXPECT_FALSE(enumerateProfiles(&list)) << "a name that cannot be written";
+  ASSERT_EQ(rename("/opt/vrx/profiles", "/opt/vrx/elsewhere"), 0);
   EXPECT_FALSE(enumerateProfiles(&list));
+  EXPECT_TRUE(list.empty());
 }
 
 TEST(TakenNames, NumbersGoOnFromTheLastFreeOne) {
@@ -123,6 +130,7 @@ TEST(CurrentProfile, EnteringHealsAStaleMarker) {
   EXPECT_EQ(path, "/opt/vrx//profiles/bare");
   EXPECT_EQ(host.read(".current"), "bare\n");
   EXPECT_EQ(host.mode(".current"), 0666u);
+  for (const char* name : {"", "..", "a\nb"}) EXPECT_FALSE(setCurrentProfile(name)) << name;
   host.file(".current", "z\n");
   ASSERT_TRUE(enterCurrentProfile(&path));
   EXPECT_EQ(path, "/opt/vrx//profiles/z");
@@ -133,20 +141,41 @@ TEST(CurrentProfile, EnteringHealsAStaleMarker) {
 TEST(FlatForms, FitOrFail) {
   TestHost host;
   host.profile("p").file(".current", "p\n");
-  const std::string expected = "/opt/vrx//profiles/p/hip.conf";
-  char buffer[64];
-  EXPECT_TRUE(currentProfileFile("hip.conf", buffer, expected.size() + 1));
-  EXPECT_EQ(buffer, expected);
-  EXPECT_FALSE(profileFile("p", "hip.conf", buffer, expected.size()));
-  EXPECT_EQ(buffer, expected.substr(0, expected.size() - 1));
+  using Flat = bool (*)(char*, std::size_t);
+  const std::pair<Flat, std::string> cases[] = {
+      {[](char* b, std::size_t n) { return rootDirectory(b, n); }, "/opt/vrx/"},
+      {[](char* b, std::size_t n) { return profileDirectory("x", b, n); }, "/opt/vrx//profiles/x"},
+      {[](char* b, std::size_t n) { return factoryDirectory(b, n); },
+       "/opt/vrx//profiles/.factory"},
+      {[](char* b, std::size_t n) { return currentMarkerPath(b, n); },
+       "/opt/vrx//profiles/.current"},
+      {[](char* b, std::size_t n) { return currentProfileDirectory(b, n); },
+       "/opt/vrx//profiles/p"},
+      {[](char* b, std::size_t n) { return profileFile("x", "y", b, n); },
+       "/opt/vrx//profiles/x/y"},
+      {[](char* b, std::size_t n) { return currentProfileFile("y", b, n); },
+       "/opt/vrx//profiles/p/y"},
+      {[](char* b, std::size_t n) { return enterCurrentProfile(b, n); }, "/opt/vrx//profiles/p"},
+      {[](char* b, std::size_t n) {
+         TakenNames taken;
+         taken.add("a");
+         return uniqueName("a", &taken, b, n);
+       },
+       "a#2"}};
+  for (const auto& [flat, expected] : cases) {
+    char buffer[64];
+    EXPECT_TRUE(flat(buffer, expected.size() + 1));
+    EXPECT_EQ(buffer, expected);
+    EXPECT_FALSE(flat(buffer, expected.size()));
+    EXPECT_EQ(buffer, expected.substr(0, expected.size() - 1));
+    EXPECT_FALSE(flat(buffer, 0));
+  }
+  char buffer[8] = "old";
   EXPECT_FALSE(profileFile("p", "", buffer, sizeof buffer));
   EXPECT_STREQ(buffer, "");
-  EXPECT_FALSE(rootDirectory(buffer, 0));
-  EXPECT_TRUE(factoryDirectory(buffer, sizeof buffer));
-  EXPECT_STREQ(buffer, "/opt/vrx//profiles/.factory");
 }
 
-TEST(ConfigControl, WritersKeepOwnerModeAndForeignLines) {
+TEST(ConfigControl, WritersKeepModeAndForeignLines) {
   TestHost host;
   host.file("p/endbox.conf", "# code\r\nlog_level=info\nactivation_code=old", 0604);
   EXPECT_TRUE(writeInvitationCode("p", " new \n").ok());
@@ -171,7 +200,7 @@ TEST(ConfigControl, RefusalsLeaveTheFileAlone) {
   EXPECT_EQ(writeMasterInterface("", "eth0").code(), 0x10000003);
   EXPECT_EQ(setHelmsmanAddress("", "h", 1).code(), 0x10000003);
   EXPECT_TRUE(writeLogLevel("", "info").ok());
-  EXPECT_FALSE(writeLogLevel("p", "info").ok()) << "what cannot be read is not replaced";
+  EXPECT_EQ(writeLogLevel("p", "info").code(), 0x14000006) << "what cannot be read stays";
   host.file("p/hip.conf.temp/in-its-place", "");
   EXPECT_EQ(writeMasterInterface("p", "eth0").code(), 0x14000005);
   EXPECT_EQ(host.read("p/hip.conf"), "a\n");

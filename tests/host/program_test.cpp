@@ -3,6 +3,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <string>
+#include <vector>
+
 #include "tests/support/TestHost.h"
 
 namespace tunadm {
@@ -201,6 +204,18 @@ TEST(Create, CopiesLinksToFilesByContentAndNoDirectories) {
   for (const char* name : {"relative", "directory", "peer_certs"}) {
     EXPECT_FALSE(host.exists(std::string("profile-123123/") + name)) << name;
   }
+}
+
+TEST(Create, StopsAtTheFirstFileThatCannotBeCopied) {
+  TestHost host;
+  host.file(".factory/hip.conf", "").file("/only_here", "");
+  ASSERT_EQ(symlink("only_here", "/opt/vrx/profiles/.factory/only_here"), 0);
+  EXPECT_EQ(host.run(kCreateOffice).out,
+            failure("invalid argument (/opt/vrx//profiles/.factory/only_here)", "0x10000003"));
+  EXPECT_TRUE(host.exists("profile-123123/hip.conf"));
+  EXPECT_FALSE(host.exists("profile-123123/mapconfig.static"));
+  ASSERT_EQ(unlink("/opt/vrx/profiles/.factory/only_here") + unlink("/only_here"), 0);
+  EXPECT_EQ(host.run(kCreateOffice).out.rfind("details:", 0), 0u) << "no certificates: no matter";
 }
 
 TEST(Create, Refusals) {

@@ -1,5 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <limits>
+#include <string>
+#include <utility>
+#include <vector>
+
 #include "core/CommandCore.h"
 #include "json/ScopedJson.h"
 
@@ -96,21 +101,32 @@ TEST(Binding, WhatIsBoundBeforeAFailureStays) {
 }
 
 TEST(Binding, JsonValues) {
-  SampleCommand command;
-  const ScopedJson object(makeObject());
-  setStringMember(object.get(), "needed", "x");
-  setMember(object.get(), "number", makeNumber(3.9));
-  setMember(object.get(), "truth", makeBoolean(false));
-  EXPECT_TRUE(bind_json_args(&command, object.get()).ok());
-  EXPECT_EQ(command.number.value(), 3);
-  EXPECT_FALSE(command.truth.value());
-  setMember(object.get(), "number", makeNumber(-1e300));
-  EXPECT_TRUE(bind_json_args(&command, object.get()).ok());
-  EXPECT_EQ(command.number.value(), -2147483647 - 1);
-  setMember(object.get(), "text", makeNumber(2.5));
-  EXPECT_EQ(bind_json_args(&command, object.get()).details(), "illegal value presented: 2.500000");
-  setMember(object.get(), "text", makeArray());
-  EXPECT_EQ(bind_json_args(&command, object.get()).details(), "illegal value presented: [ ]");
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  const struct {
+    const char* name;
+    jsObject* value;
+    const char* details;
+    int number;
+  } cases[] = {{"number", makeNumber(3.9), "", 3},
+               {"number", makeNumber(-3.9), "", -3},
+               {"number", makeNumber(1e300), "", 2147483647},
+               {"number", makeNumber(-1e300), "", -2147483647 - 1},
+               {"number", makeNumber(nan), "", 0},
+               {"number", makeBoolean(true), "illegal value presented: true", 41},
+               {"truth", makeBoolean(false), "", 41},
+               {"truth", makeNumber(1), "illegal value presented: 1", 41},
+               {"text", makeNumber(2.5), "illegal value presented: 2.500000", 41},
+               {"text", makeArray(), "illegal value presented: [ ]", 41},
+               {"text", makeNull(), "illegal value presented: null", 41},
+               {"word", makeBoolean(true), "illegal single-word input: true", 41}};
+  for (const auto& c : cases) {
+    SampleCommand command;
+    const ScopedJson object(makeObject());
+    setStringMember(object.get(), "needed", "x");
+    setMember(object.get(), c.name, c.value);
+    EXPECT_EQ(bind_json_args(&command, object.get()).details(), c.details);
+    EXPECT_EQ(command.number.value(), c.number);
+  }
 }
 
 TEST(Binding, OptionsCountInTheirPlaceOnTheLine) {
@@ -137,7 +153,9 @@ TEST(Binding, OptionsCountInTheirPlaceOnTheLine) {
   SampleCommand command;
   const ScopedJson words(makeArray());
   appendNumber(words.get(), 4);
-  EXPECT_EQ(bindCommandWords(&command, words.get(), 0).details(), "parameter not a string");
+  const Status status = bindCommandWords(&command, words.get(), 0);
+  EXPECT_EQ(status.code(), 0x10000003);
+  EXPECT_EQ(status.details() + status.context(), "parameter not a stringbinding input args");
 }
 
 TEST(IntParam, Texts) {
@@ -179,6 +197,21 @@ TEST(BoolParam, Texts) {
   }
   EXPECT_FALSE(command.truth.setFromText(""));
   EXPECT_FALSE(command.truth.setFromInteger(1));
+}
+
+TEST(SingleWordParam, Texts) {
+  const std::pair<const char*, bool> cases[] = {{"", false},
+                                                {"<single-word-command-absent>", false},
+                                                {"False", false},
+                                                {"<single-word-command-present>", true},
+                                                {"TRUE", true}};
+  for (const auto& [text, present] : cases) {
+    SampleCommand command;
+    EXPECT_TRUE(command.word.setFromText(present ? "" : "true"));
+    EXPECT_TRUE(command.word.setFromText(text)) << text;
+    EXPECT_EQ(command.word.present(), present) << text;
+    EXPECT_FALSE(command.word.setFromText("yes"));
+  }
 }
 
 TEST(Rendering, StatusLinesByModeAndFieldsOfASuccess) {

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <vector>
+#include <string>
 
 #include "profiles/ConfigText.h"
 

@@ -1,6 +1,8 @@
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
+#include <ifaddrs.h>
 #include <net/if.h>
+#include <netinet/in.h>
 
 #include <string>
 
