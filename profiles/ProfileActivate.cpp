@@ -11,9 +11,9 @@ namespace {
 
 // Deliberate: the service is stopped first whatever the daemon's state seems to be.
 Status switchTo(const ProfileRef& profile, std::string_view system) {
-  const Status stopped = stopService(system, RootCheck::kNo);
+  Status stopped = stopService(system, RootCheck::kNo);
   const bool made_current = setCurrentProfile(profile.dir_name);
-  const Status started = startService(system, RootCheck::kNo);
+  Status started = startService(system, RootCheck::kNo);
   if (!stopped.ok()) return stopped;
   return made_current ? started : Status(kApplicationError);
 }
@@ -25,7 +25,7 @@ Status activateProfile(std::string_view selector, std::string_view system,
   if (selector.empty()) return Status(kInvalidArgument);
   const ProfileLock lock;
   ProfileRef profile;
-  const Status found = resolveSelector(selector, &profile);
+  Status found = resolveSelector(selector, &profile);
   if (!found.ok()) return found;
   *profile_name = profile.profile_name;
   if (found.code() == kProfileRunning) return Status(kSuccess);

@@ -74,7 +74,8 @@ Status copyFiles(const std::string& from, const std::string& to) {
   if (!listing.status.ok()) return listing.status;
   for (const auto* names : {&listing.files, &listing.file_links}) {
     for (const std::string& name : *names) {
-      Status copied = copyFile(from + "/" + name, to + "/" + name);
+      const std::string entry = "/" + name;
+      Status copied = copyFile(from + entry, to + entry);
       if (!copied.ok()) return copied;
     }
   }
@@ -116,7 +117,7 @@ Status fillProfile(const CreateRequest& request, const ProfileRef& profile) {
 Status fillAndActivate(const CreateRequest& request, const ProfileRef& profile) {
   const bool daemon_up = isDaemonRunning() != TriState::kNo;
   if (daemon_up) (void)stopService(request.system, RootCheck::kYes);  // the start tells how it went
-  const Status filled = fillProfile(request, profile);
+  Status filled = fillProfile(request, profile);
   if (!filled.ok()) {
     if (daemon_up) (void)startService(request.system, RootCheck::kYes);  // the failure is earlier
     return filled;

@@ -39,7 +39,7 @@ Status deleteProfile(std::string_view selector) {
   if (selector == kFactoryName || selector == kCurrentMarker) return Status(kInvalidArgument);
   const ProfileLock lock;
   ProfileRef profile;
-  const Status found = resolveSelector(selector, &profile);
+  Status found = resolveSelector(selector, &profile);
   if (!found.ok()) return found;
   if (profile.dir_name == kFactoryName) return Status(kInvalidArgument);
   if (found.code() == kProfileRunning) return Status(kRefusedWhileRunning);

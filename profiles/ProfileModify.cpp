@@ -91,8 +91,8 @@ Status applyAroundRestart(const ModifyRequest& request, bool daemon_up, ProfileR
   Status stopped(kSuccess);
   if (daemon_up) stopped = stopService(request.system, RootCheck::kYes);
   const Daemon daemon = daemon_up && stopped.ok() ? Daemon::kStopped : Daemon::kMayRun;
-  const Status changed = applyChanges(request, daemon, profile);
-  const Status started = startService(request.system, RootCheck::kYes);
+  Status changed = applyChanges(request, daemon, profile);
+  Status started = startService(request.system, RootCheck::kYes);
   if (!stopped.ok()) return stopped;
   return changed.ok() ? started : changed;
 }

@@ -13,7 +13,7 @@ Status resetProfile(std::string_view selector, std::string* profile_name) {
   if (!isPrivileged()) return Status(kAuthRequired);
   const ProfileLock lock;
   ProfileRef profile;
-  const Status found = resolveSelector(selector, &profile);
+  Status found = resolveSelector(selector, &profile);
   if (!found.ok()) return found;
   *profile_name = profile.profile_name;
   if (found.code() == kProfileRunning) return Status(kRefusedWhileRunning);

@@ -1,0 +1,51 @@
+// What tests put at the paths of a host's init-system commands. Each run appends to /tmp/calls a
+// line of the path that the program was run by and of all its arguments, the name that it was
+// given first; then it prints what /tmp/stand-in-output holds. It ends as the first line of
+// /tmp/stand-in-end tells ("exit 7", "signal 15") and takes that line away; without a line, with 0.
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <string>
+
+namespace {
+
+std::string contentOf(const char* path) {
+  std::ifstream stream(path);
+  return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+}
+
+void recordCall(char** arguments) {
+  std::error_code unknown;  // shows as a line that begins with a blank
+  std::string call = std::filesystem::read_symlink("/proc/self/exe", unknown);
+  for (char** argument = arguments; *argument != nullptr; ++argument) {
+    call.append(" ").append(*argument);
+  }
+  std::ofstream("/tmp/calls", std::ios::app) << call << '\n';
+}
+
+// An ordered end that cannot be read is no success.
+int endAsOrdered() {
+  constexpr const char* path = "/tmp/stand-in-end";
+  std::ifstream orders(path);
+  std::string kind;
+  int number = 0;
+  if (!(orders >> kind)) return 0;
+  if (!(orders >> number >> std::ws)) orders.clear();
+  const std::string rest{std::istreambuf_iterator<char>(orders), std::istreambuf_iterator<char>()};
+  std::ofstream(path) << rest;
+  if (kind == "signal") raise(number);
+  return kind == "exit" ? number : 125;
+}
+
+}  // namespace
+
+int main(int, char** arguments) {
+  recordCall(arguments);
+  std::cout << contentOf("/tmp/stand-in-output") << std::flush;
+  return endAsOrdered();
+}
