@@ -2,6 +2,7 @@
 #include <string>
 #include <string_view>
 
+#include "json/AsciiCase.h"
 #include "json/JsonNode.h"
 #include "json/JsonValue.h"
 
@@ -11,19 +12,6 @@ namespace {
 
 std::size_t positionOf(const jsObject* object, std::string_view name) {
   return isObject(object) && !name.empty() ? object->members().find(name) : JsonMembers::kNone;
-}
-
-// Not tolower: that follows the locale.
-char toLower(char byte) {
-  return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte;
-}
-
-bool equalIgnoringCase(std::string_view left, std::string_view right) {
-  if (left.size() != right.size()) return false;
-  for (std::size_t index = 0; index < left.size(); ++index) {
-    if (toLower(left[index]) != toLower(right[index])) return false;
-  }
-  return true;
 }
 
 }  // namespace

@@ -2,14 +2,12 @@
 // line of the path that the program was run by and of all its arguments, the name that it was
 // given first; then it prints what /tmp/stand-in-output holds. It ends as the first line of
 // /tmp/stand-in-end tells ("exit 7", "signal 15") and takes that line away; without a line, with 0.
-#include <unistd.h>
-
 #include <csignal>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <sstream>
 #include <string>
 
 namespace {
@@ -28,16 +26,17 @@ void recordCall(char** arguments) {
   std::ofstream("/tmp/calls", std::ios::app) << call << '\n';
 }
 
-// An ordered end that cannot be read is no success.
+// An order that cannot be read is no success.
 int endAsOrdered() {
   constexpr const char* path = "/tmp/stand-in-end";
   std::ifstream orders(path);
-  std::string kind;
-  int number = 0;
-  if (!(orders >> kind)) return 0;
-  if (!(orders >> number >> std::ws)) orders.clear();
+  std::string order;
+  if (!std::getline(orders, order)) return 0;
   const std::string rest{std::istreambuf_iterator<char>(orders), std::istreambuf_iterator<char>()};
   std::ofstream(path) << rest;
+  std::string kind;
+  int number = 0;
+  std::istringstream(order) >> kind >> number;
   if (kind == "signal") raise(number);
   return kind == "exit" ? number : 125;
 }

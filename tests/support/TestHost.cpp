@@ -118,6 +118,19 @@ TestHost& TestHost::file(const std::string& path, const std::string& content, mo
   return *this;
 }
 
+TestHost& TestHost::standIn(const std::string& path) {
+  const fs::path tests = fs::read_symlink("/proc/self/exe").parent_path();
+  fs::copy_file(tests / "stand_in", path, fs::copy_options::overwrite_existing);
+  return *this;
+}
+
+std::vector<std::string> TestHost::calls() const {
+  std::vector<std::string> lines;
+  std::ifstream stream("/tmp/calls");
+  for (std::string line; std::getline(stream, line);) lines.push_back(line);
+  return lines;
+}
+
 std::string TestHost::read(const std::string& path) const {
   std::ifstream stream(located(path), std::ios::binary);
   return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};

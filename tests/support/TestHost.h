@@ -41,6 +41,12 @@ class TestHost {
   // profiles directory.
   TestHost& file(const std::string& path, const std::string& content, mode_t mode = 0644);
 
+  // Puts at `path` a program that records its calls and ends as it is told (standin/stand_in.cpp).
+  TestHost& standIn(const std::string& path);
+
+  // The lines of all stand-ins so far: "<path> <argument 0> <argument 1> ...".
+  std::vector<std::string> calls() const;
+
   // The same paths serve here. What is not there reads as "" and has the mode 0.
   std::string read(const std::string& path) const;
   bool exists(const std::string& path) const;
