@@ -22,67 +22,68 @@ constexpr std::string_view kProfile = " <profile name>";
 constexpr CommandEntry kSupportReset = {
     "support reset", kProfile,
     "Removes various temporary files associated with the profile, giving it a clean restart.",
-    &make<Hipcmd_ProfileReset>};
+    "clean temporary data from a profile", &make<Hipcmd_ProfileReset>};
 constexpr CommandEntry kProfileModify = {
     "profile modify", kProfile, "Changes one or more of the configured properties of the profile.",
-    &make<Hipcmd_ModifyProfile>};
+    "changes any of the profile details", &make<Hipcmd_ModifyProfile>};
 constexpr CommandEntry kListInterfaces = {
     "list interfaces", "",
     "Reports the names of network interfaces on the system that are suitable for selection as the "
     "HIP underlay.",
-    &make<Hipcmd_GetInterfaces>};
+    "displays network interfaces available on the machine", &make<Hipcmd_GetInterfaces>};
 constexpr CommandEntry kListVersions = {
     "list versions", "",
     "Displays version numbers for various pieces of the installed HIP application.",
-    &make<Hipcmd_GetVersions>};
+    "displays version numbers for the software", &make<Hipcmd_GetVersions>};
 constexpr CommandEntry kProfileDetails = {
     "profile details", kProfile, "Displays the configuration associated with the given profile.",
-    &make<Hipcmd_ShowProfile>};
+    "displays configured profile settings", &make<Hipcmd_ShowProfile>};
 constexpr CommandEntry kListProfiles = {
     "list profiles", "",
     "Displays a list of the configured profiles, showing the directory and profile name for each "
     "one.",
-    &make<Hipcmd_GetProfiles>};
+    "displays a list of the configured profiles", &make<Hipcmd_GetProfiles>};
 constexpr CommandEntry kProfileActivate = {
     "profile activate", kProfile,
     "Makes the given profile the active profile, possibly restarting the service along the way.",
-    &make<Hipcmd_ActivateProfile>};
+    "designates which profile is currently active", &make<Hipcmd_ActivateProfile>};
 constexpr CommandEntry kProfileCreate = {
     "profile create", " <new profile name>",
-    "Creates a new profile.   The name and helmsman settings are required.",
+    "Creates a new profile.   The name and helmsman settings are required.", "makes a new profile",
     &make<Hipcmd_CreateProfile>};
 constexpr CommandEntry kProfileDelete = {"profile delete", kProfile, "Removes a profile.",
-                                         &make<Hipcmd_DeleteProfile>};
+                                         "removes a profile", &make<Hipcmd_DeleteProfile>};
 constexpr CommandEntry kProfileRename = {
     "profile rename", kProfile,
     "Changes the name of the profile.  This is a shorthand for ‘profile modify <profile name> "
     "new_name=<string>’",
-    &make<Hipcmd_RenameProfile>};
+    "changes the user-friendly name attached to a profile", &make<Hipcmd_RenameProfile>};
 constexpr CommandEntry kServiceStart = {
-    "service start", "", "Starts the vrx-hipd background process.", &make<Hipcmd_ServiceStart>};
+    "service start", "", "Starts the vrx-hipd background process.",
+    "runs the HIP background process", &make<Hipcmd_ServiceStart>};
 constexpr CommandEntry kServiceStop = {"service stop", "", "Stops the vrx-hipd background process.",
-                                       &make<Hipcmd_ServiceStop>};
+                                       "ends the background process", &make<Hipcmd_ServiceStop>};
 constexpr CommandEntry kServiceRestart = {
     "service restart", "",
     "Stops the vrx-hipd background process if it is running, and then starts it up again.",
-    &make<Hipcmd_ServiceBounce>};
+    "stops and restarts the background process", &make<Hipcmd_ServiceBounce>};
 constexpr CommandEntry kListLog = {
     "list log", kProfile, "Displays an extract from the hip.log file for the given profile.",
-    &make<Hipcmd_GetHipLog>};
+    "displays an excerpt of the active HIP log", &make<Hipcmd_GetHipLog>};
 constexpr CommandEntry kServiceStatus = {
     "service status", "",
     "Displays a report about the vrx-hipd background process: whether it is running, and some "
     "information about its connections.",
-    &make<Hipcmd_ShowStatus>};
+    "displays the current process status", &make<Hipcmd_ShowStatus>};
 constexpr CommandEntry kSupportBundle = {"support bundle", "",
                                          "Writes a new support bundle to the Logs directory.",
-                                         &make<Hipcmd_SupportBundle>};
+                                         "generate a support bundle", &make<Hipcmd_SupportBundle>};
 constexpr CommandEntry kJson = {"json <object>", " <json object>",
-                                "Executes a command given in JSON form.",
+                                "Executes a command given in JSON form.", "",
                                 &make<Hipcmd_JsonCommand>};
-constexpr CommandEntry kUsage = {"usage", "", "", &make<Hipcmd_Usage>};
-constexpr CommandEntry kHelp = {"help", "", "", &make<Hipcmd_SimpleHelp>};
-constexpr CommandEntry kReference = {"reference", "", "", &make<Hipcmd_ReferenceHelp>};
+constexpr CommandEntry kUsage = {"usage", "", "", "", &make<Hipcmd_Usage>};
+constexpr CommandEntry kHelp = {"help", "", "", "", &make<Hipcmd_SimpleHelp>};
+constexpr CommandEntry kReference = {"reference", "", "", "", &make<Hipcmd_ReferenceHelp>};
 
 // How many words a way to call a command takes: its two words and a target, two words, or the whole
 // line.
@@ -159,6 +160,12 @@ ScopedPtr<TunadmCommandInstance> createFromRow(const CommandRow& row, const Word
 }
 
 }  // namespace
+
+const CommandEntry& findCommand(std::string_view name) {
+  const CommandRow* row = kRows;
+  while (row->command->name != name) ++row;
+  return *row->command;
+}
 
 ScopedPtr<TunadmCommandInstance> lookUpCommand(std::vector<std::string>* words, int* consumed) {
   // Callers may repeat the program's name.

@@ -15,9 +15,13 @@ namespace tunadm {
 struct CommandEntry {
   std::string_view name;         // also the method name that --verbose shows
   std::string_view placeholder;  // of the leading positional value, with its leading blank
-  std::string_view description;  // empty for the help commands, which have no help page
+  std::string_view description;  // empty, like the summary, for commands without a help page
+  std::string_view summary;      // of a few words, for lists of commands
   ScopedPtr<TunadmCommandInstance> (*make)(std::string_view method, const CommandWords& words);
 };
+
+// The command of that name, which must exist.
+const CommandEntry& findCommand(std::string_view name);
 
 // Finds the command that the leading words of `words` name and creates it; empty when there is
 // none. Removes a first word that repeats the program's name. Stores in `consumed` how many words

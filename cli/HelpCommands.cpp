@@ -1,10 +1,18 @@
 #include "cli/HelpCommands.h"
 
+#include "cli/HelpPages.h"
+
 namespace tunadm {
 
-// The work of these commands is not built yet: their status stays the failure that it starts with.
-void Hipcmd_Usage::execute(StatusCodeResultField&) {}
-void Hipcmd_SimpleHelp::execute(StatusCodeResultField&) {}
-void Hipcmd_ReferenceHelp::execute(StatusCodeResultField&) {}
+void HelpCommand::execute(StatusCodeResultField& result) {
+  helptext_.lines() = page();
+  result.status().reset();
+}
+
+std::vector<std::string> Hipcmd_Usage::page() const { return usagePage(); }
+
+std::vector<std::string> Hipcmd_SimpleHelp::page() const { return helpPage(words()); }
+
+std::vector<std::string> Hipcmd_ReferenceHelp::page() const { return referencePage(); }
 
 }  // namespace tunadm

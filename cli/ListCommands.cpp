@@ -1,13 +1,34 @@
 #include "cli/ListCommands.h"
 
+#include <algorithm>
 #include <utility>
 #include <vector>
 
+#include "fundkit/FileUtils.h"
+#include "fundkit/LogLevel.h"
 #include "profiles/ConfigControl.h"
 #include "profiles/ProfileControl.h"
 #include "profiles/ProfilePaths.h"
+#include "profiles/ProfileSelector.h"
+#include "service/LogExtract.h"
 
 namespace tunadm {
+namespace {
+
+constexpr std::string_view kTunadmVersion = "2.2";
+constexpr int kMostLogLines = 100000;
+
+// Empty when the factory profile has no such file. Deliberate: this program's own version when it
+// cannot be read.
+std::string readApplicationVersion() {
+  std::string path;
+  std::string version;
+  (void)profileFile(kFactoryName, kRevisionFile, &path);  // neither name is empty
+  if (!isRegularFile(path) || readFirstLine(path, &version).ok()) return version;
+  return std::string(kTunadmVersion);
+}
+
+}  // namespace
 
 void Hipcmd_GetProfiles::ProfileListResultField::render(ValueBinder& out) const {
   std::vector<std::string> lines;
@@ -31,8 +52,23 @@ void Hipcmd_GetInterfaces::execute(StatusCodeResultField& result) {
   result.status().setCode(read_networks(&interfaces_.lines()) ? kSuccess : kGetifaddrsFailed);
 }
 
-// The work of these commands is not built yet: their status stays the failure that it starts with.
-void Hipcmd_GetVersions::execute(StatusCodeResultField&) {}
-void Hipcmd_GetHipLog::execute(StatusCodeResultField&) {}
+void Hipcmd_GetVersions::execute(StatusCodeResultField& result) {
+  tunadm_version_.set(kTunadmVersion);
+  hipapp_version_.set(readApplicationVersion());
+  result.status().reset();
+}
+
+void Hipcmd_GetHipLog::execute(StatusCodeResultField& result) {
+  ProfileRef profile;
+  result.status() = resolveSelector(selector(), &profile);
+  if (!result.status().ok()) return;
+  profile_name_.set(profile.profile_name);
+  int max_lines = max_lines_.value();
+  if (max_lines < 0) max_lines = kDefaultLogLines;
+  std::string path;
+  (void)profileFile(profile.dir_name, kLogFile, &path);  // neither name is empty
+  result.status() = extractLog(path, std::min(max_lines, kMostLogLines),
+                               parseLevel(log_level_.value()), &log_.lines());
+}
 
 }  // namespace tunadm

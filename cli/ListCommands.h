@@ -65,7 +65,9 @@ class Hipcmd_GetHipLog final : public ProfileCommand {
   void execute(StatusCodeResultField& result) override;
 
  private:
-  IntParam max_lines_{paramList(), "max_lines", 50, Required::kNo};
+  static constexpr int kDefaultLogLines = 50;
+
+  IntParam max_lines_{paramList(), "max_lines", kDefaultLogLines, Required::kNo};
   OptionalLogLevelParam log_level_{paramList()};
   StringVectorResultField log_{resultList(), "_log"};
   StringResult profile_name_{resultList(), "profile_name"};

@@ -1,5 +1,7 @@
 #include "cli/SupportCommands.h"
 
+#include "service/SupportBundle.h"
+
 namespace tunadm {
 
 Hipcmd_SupportBundle::Hipcmd_SupportBundle(std::string_view method, const CommandWords&)
@@ -7,7 +9,8 @@ Hipcmd_SupportBundle::Hipcmd_SupportBundle(std::string_view method, const Comman
   output_.setEmit(false);
 }
 
-// Its work is not built yet: its status stays the failure that it starts with.
-void Hipcmd_SupportBundle::execute(StatusCodeResultField&) {}
+void Hipcmd_SupportBundle::execute(StatusCodeResultField& result) {
+  result.status() = writeSupportBundle();
+}
 
 }  // namespace tunadm

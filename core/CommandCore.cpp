@@ -62,15 +62,6 @@ Status bindMember(const TunadmCommandInstance& command, std::string_view name,
       param->isSingleWord() ? "illegal single-word input: " : "illegal value presented: ", shown);
 }
 
-void addWord(jsObject* arguments, std::string_view word) {
-  const std::size_t equals = word.find('=');
-  if (equals == std::string_view::npos) {
-    setStringMember(arguments, word, kWordPresent);
-  } else {
-    setStringMember(arguments, word.substr(0, equals), word.substr(equals + 1));
-  }
-}
-
 // The naming words come first on the line, so their options are applied first.
 void addCommandName(TunadmCommandInstance* command, const jsObject* words, std::size_t consumed,
                     jsObject* naming) {
@@ -114,6 +105,15 @@ void TunadmCommandInstance::render(std::vector<std::string>* lines) const {
   for (const ResultParamBase* field : results_) field->render(out);
 }
 
+void addWordAsMember(jsObject* arguments, std::string_view word) {
+  const std::size_t equals = word.find('=');
+  if (equals == std::string_view::npos) {
+    setStringMember(arguments, word, kWordPresent);
+  } else {
+    setStringMember(arguments, word.substr(0, equals), word.substr(equals + 1));
+  }
+}
+
 Status bindCommandWords(TunadmCommandInstance* command, const jsObject* words,
                         std::size_t consumed) {
   const ScopedJson arguments(makeObject());
@@ -124,7 +124,7 @@ Status bindCommandWords(TunadmCommandInstance* command, const jsObject* words,
     if (!isString(word)) {
       return Status(kInvalidArgument, "parameter not a string", "binding input args");
     }
-    if (!command->applyOption(stringView(word))) addWord(arguments.get(), stringView(word));
+    if (!command->applyOption(stringView(word))) addWordAsMember(arguments.get(), stringView(word));
   }
   setMember(arguments.get(), kCommandName, naming.take());
   return bind_json_args(command, arguments.get());

@@ -56,6 +56,10 @@ class TunadmCommandInstance {
   StatusCodeResultField status_;
 };
 
+// Adds a parameter word to an argument object: a name with the value behind its first equals sign,
+// or, without one, with the value kWordPresent. A word without a name is dropped.
+void addWordAsMember(jsObject* arguments, std::string_view word);
+
 // Binds command-line words to the parameters of `command`. `words` is a JSON array of strings; its
 // first `consumed` elements named the command. Options are applied wherever they stand. A word with
 // an equals sign is a parameter and its value, any other word a parameter that is switched on.

@@ -2,9 +2,9 @@
 
 #include <errno.h>
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
+#include <cstddef>
 #include <utility>
 #include <vector>
 
@@ -41,11 +41,12 @@ Status removeOther(int parent, const std::string& name) {
 
 Status removeBelow(DirectoryStream* stream);
 
+// Removes what else is there as well.
 Status removeDirectory(int parent, const std::string& name) {
   ScopedFd directory = openDescriptor(parent, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
   if (!directory.valid()) {
     if (errno == ENOENT) return Status(kSuccess);
-    // Exchanged for a link or a file since it was looked at.
+    // No directory, or exchanged for a link or a file since it was looked at.
     if (errno == ENOTDIR || errno == ELOOP) return removeOther(parent, name);
     return Status(kOpendirFailed);
   }
@@ -72,12 +73,7 @@ Status removeBelow(DirectoryStream* stream) {
 
 Status removeTree(const std::string& path) {
   if (path.empty()) return Status(kInvalidArgument);
-  const std::string target = withoutFinalSlashes(path);
-  struct stat found {};
-  if (lstat(target.c_str(), &found) == 0 && S_ISDIR(found.st_mode)) {
-    return removeDirectory(AT_FDCWD, target);
-  }
-  return removeOther(AT_FDCWD, target);
+  return removeDirectory(AT_FDCWD, withoutFinalSlashes(path));
 }
 
 Status emptyDirectory(const std::string& path) {

@@ -21,6 +21,8 @@ inline constexpr std::string_view kEndboxConf = "endbox.conf";
 inline constexpr std::string_view kMapConfig = "mapconfig.static";
 inline constexpr std::string_view kDeviceId = "device_id";
 inline constexpr std::string_view kStatusFile = "hipvars.txt";
+inline constexpr std::string_view kLogFile = "hip.log";
+inline constexpr std::string_view kRevisionFile = "firmware_revision";
 
 // True for a name that is one path component: not empty, no "/", neither "." nor "..".
 bool isDirName(std::string_view name);

@@ -241,6 +241,36 @@ TEST(Create, Refusals) {
   EXPECT_EQ(host.runProgram({"/bin/ls", "-R", "/opt"}).out, before);
 }
 
+TEST(Diagnostics, LogVersionsAndBundle) {
+  TestHost host;
+  host.factory().profile("a").named("office").file("a/hip.log", "E~ one\nI~ two\nE~ three\n");
+  const struct {
+    Words words;
+    std::string out;
+  } cases[] = {
+      {{"list", "log", "office"}, "E~ one\nI~ two\nE~ three\nprofile_name: office\n"},
+      {{"show", "log", "dir=a", "max_lines=1"}, "E~ three\nprofile_name: office\n"},
+      {{"list", "log", "office", "log_level=err"}, "E~ one\nE~ three\nprofile_name: office\n"},
+      {{"list", "log", "office", "max_lines=0"}, "profile_name: office\n"},
+      {{"list", "log", "office", "max_lines=-1", "log_level=fatal"}, "profile_name: office\n"},
+      {{"list", "log", ".factory", "--verbose"},
+       "method: list log\nstatus_text: success with warnings\nstatus_code: 0x00000002\n"
+       "no logfile available for this profile\nprofile_name: .factory\n"},
+      {{"list", "log", "home"}, failure("profile not found", "0x12001001")},
+      {{"list", "versions"}, "hipapp_version: 3.1.0\ntunadm_version: 2.2\n"},
+      {{"support", "bundle"}, failure("stdlib error: system", "0x14000013")},
+      {{"json", "{}"}, "subcommand:\n"},
+      {{"json", "{}", "extra"}, "invalid command arguments\n"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(host.run(c.words).out, c.out);
+  host.file("/opt/vrx/bin/vrx-sendbundle.sh", "#!/bin/sh\necho bundled\n", 0755);
+  EXPECT_EQ(host.run({"support", "bundle"}).out, "bundled\n");
+  ASSERT_EQ(unlink("/opt/vrx/profiles/.factory/firmware_revision"), 0);
+  EXPECT_EQ(host.run({"list", "versions"}).out, "hipapp_version: \ntunadm_version: 2.2\n");
+  host.file(".factory/firmware_revision", std::string(1100000, 'x'));
+  EXPECT_EQ(host.run({"list", "versions"}).out, "hipapp_version: 2.2\ntunadm_version: 2.2\n");
+}
+
 TEST(Lock, IsNotTakenFromADirectoryThatSomebodyElseOwns) {
   TestHost host;
   host.factory();

@@ -1,5 +1,6 @@
 #include <errno.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <string>
@@ -97,15 +98,24 @@ TEST(Logger, Thresholds) {
 
 TEST(LogStatement, OneLineOnStandardError) {
   testing::internal::CaptureStderr();
-  errno = ENOENT;
   TUNADM_LOG(getLogger("a\nb"), kLogWarning, sourceFileName("/x/ConfigControl.cpp"),
              "read_networks", "could not\rgetifaddrs")
       .detail("status = %d", -3)
       .detail("%s", "forged\nE~ line\x1b[31m\x7f gr\xc3\xbc\xc3\x9f");
-  EXPECT_EQ(errno, ENOENT);
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
             "W~ a?b ConfigControl.cpp read_networks: could not?getifaddrs; status = -3; "
             "forged?E~ line?[31m? gr\xc3\xbc\xc3\x9f\n");
+}
+
+TEST(LogStatement, LeavesErrnoAloneWhenItCannotWrite) {
+  const int standard_error = dup(STDERR_FILENO);
+  close(STDERR_FILENO);
+  errno = ENOENT;
+  TUNADM_LOG(fundkitLogger(), kLogFatal, "m", "f", "text");
+  const int after = errno;
+  dup2(standard_error, STDERR_FILENO);
+  close(standard_error);
+  EXPECT_EQ(after, ENOENT);
 }
 
 TEST(LogStatement, EndsOnceAndThenHoldsNothing) {

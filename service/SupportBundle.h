@@ -1,0 +1,16 @@
+// The support bundle, which a script of the installation writes.
+#pragma once
+
+#include "core/Status.h"
+
+namespace tunadm {
+
+// Runs the bundle script through the shell; its output goes where this process's own goes. Fails
+// with kSystemFailed when the shell could not run it, else with kApplicationError when it did not
+// exit with 0.
+Status writeSupportBundle();
+
+// The status for what system(3) returned.
+Status bundleStatus(int result);
+
+}  // namespace tunadm
