@@ -76,10 +76,12 @@ class Extract {
 
   bool full() const { return found_.size() >= max_lines_; }
 
-  // A NUL byte ends a piece.
+  // A NUL byte ends a piece. The level is asked for first: it takes a look at the start only, and
+  // in most logs decides about most lines.
   void take(std::string_view piece) {
+    if (full() || parseLevel(piece) < threshold_) return;
     const std::string_view text = trimGraphic(piece.substr(0, piece.find('\0')));
-    if (!full() && !text.empty() && parseLevel(text) >= threshold_) found_.emplace_back(text);
+    if (!text.empty()) found_.emplace_back(text);
   }
 
   void moveTo(std::vector<std::string>* lines) {
