@@ -35,7 +35,7 @@ void Hipcmd_CreateProfile::execute(StatusCodeResultField& result) {
   if (!result.status().ok()) return;
   profile_name_.set(created.profile_name);
   // What is missing stays empty; the profile has been made all the same.
-  (void)cmdGetProfileDetails("dir=" + created.dir_name, &details_.details());
+  (void)cmdGetProfileDetails(selectorOf(created.dir_name), &details_.details());
 }
 
 void Hipcmd_ShowProfile::execute(StatusCodeResultField& result) {
@@ -64,7 +64,7 @@ void Hipcmd_ModifyProfile::execute(StatusCodeResultField& result) {
   result.status() = modifyProfile(selector(), request, &profile);
   if (!result.status().ok()) return;
   // What is missing stays empty; the profile has been changed all the same.
-  (void)cmdGetProfileDetails("dir=" + profile.dir_name, &details_.details());
+  (void)cmdGetProfileDetails(selectorOf(profile.dir_name), &details_.details());
 }
 
 void Hipcmd_ActivateProfile::execute(StatusCodeResultField& result) {

@@ -19,12 +19,10 @@
 namespace tunadm {
 namespace {
 
-// The exit status does not depend on whether anybody reads the output.
 void printLines(const std::vector<std::string>& lines) {
   std::string text;
   for (const std::string& line : lines) text.append(line).append("\n");
-  (void)std::signal(SIGPIPE, SIG_IGN);  // not earlier: a child would inherit it
-  (void)writeAll(STDOUT_FILENO, text);
+  writeOutput(STDOUT_FILENO, text);
 }
 
 void printUsage(const std::string& program) {
@@ -43,6 +41,8 @@ Status bindWords(TunadmCommandInstance* command, const std::vector<std::string>&
 }  // namespace
 
 int runProgram(int argc, char** argv) {
+  fillStandardDescriptors();
+  (void)std::signal(SIGCHLD, SIG_DFL);  // a caller that ignores it would take our children's ends
   if (argc < 2) {
     printUsage(argc == 1 ? argv[0] : "tunadm");
     return 0;

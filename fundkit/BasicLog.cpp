@@ -42,9 +42,9 @@ void Logger::adopt(LogLevel default_threshold) {
 }
 
 // One write for the whole line, so that lines of several processes do not mix.
-void Logger::accept(std::unique_ptr<const LogMessage> message) const {
+void Logger::accept(std::unique_ptr<const BasicLog::LogMessage> message) const {
   const int saved_errno = errno;
-  (void)writeAll(STDERR_FILENO, formatLogLine(*message));  // Nowhere left to report a failure.
+  writeOutput(STDERR_FILENO, formatLogLine(*message));
   errno = saved_errno;
 }
 
@@ -70,7 +70,7 @@ void setDefaultThreshold(LogLevel threshold) {
   for (Logger& logger : known.loggers) logger.adopt(known.default_threshold);
 }
 
-std::string formatLogLine(const LogMessage& message) {
+std::string formatLogLine(const BasicLog::LogMessage& message) {
   std::string line = loglevel_shortname(message.level);
   for (const std::string* part :
        {&message.logger_name, &message.module, &message.function, &message.text}) {
@@ -86,7 +86,7 @@ std::string formatLogLine(const LogMessage& message) {
 LogStatement::LogStatement(const Logger& logger, std::string_view logger_name, LogLevel level,
                            std::string_view text, std::string_view module,
                            std::string_view function)
-    : logger_(logger), message_(std::make_unique<LogMessage>()) {
+    : logger_(logger), message_(std::make_unique<BasicLog::LogMessage>()) {
   message_->level = level;
   message_->logger_name = logger_name;
   message_->module = module;
@@ -125,7 +125,7 @@ void defaultAssertFailure(const char* file, int line, const char* message) {
   (void)std::snprintf(text, sizeof(text), "assert error, %s line %d, \"%s\" \n",  // Cut if longer.
                       file == nullptr ? "<filename unknown>" : file, line,
                       message == nullptr ? "<no message>" : message);
-  (void)writeAll(STDERR_FILENO, text);  // The process ends, whether anyone reads it or not.
+  writeOutput(STDERR_FILENO, text);
   TUNADM_LOG(fundkitLogger(), kLogError, "BasicLog", "defaultAssertFailure", text);
   (void)std::raise(SIGILL);
 }

@@ -12,6 +12,8 @@
 
 namespace tunadm {
 
+namespace BasicLog {
+
 struct LogMessage {
   LogLevel level = kLogUnset;
   std::string logger_name;
@@ -20,6 +22,8 @@ struct LogMessage {
   std::string text;
   std::vector<std::string> details;
 };
+
+}  // namespace BasicLog
 
 // A named source of messages with an optional threshold of its own. Made by getLogger only.
 class Logger {
@@ -41,7 +45,7 @@ class Logger {
   void setThreshold(LogLevel threshold);
 
   // Writes the message to standard error at once. Leaves errno as it was.
-  void accept(std::unique_ptr<const LogMessage> message) const;
+  void accept(std::unique_ptr<const BasicLog::LogMessage> message) const;
 
  private:
   friend void setDefaultThreshold(LogLevel threshold);
@@ -65,7 +69,7 @@ void setDefaultThreshold(LogLevel threshold);
 
 // The line that is written for `message`, with its final line feed: short level name, logger,
 // module, function, text and details. Control bytes inside show as '?', so it is always one line.
-std::string formatLogLine(const LogMessage& message);
+std::string formatLogLine(const BasicLog::LogMessage& message);
 
 // One message under construction. Begin one with TUNADM_LOG, so that a disabled level costs
 // nothing.
@@ -85,7 +89,7 @@ class LogStatement {
 
  private:
   const Logger& logger_;
-  std::unique_ptr<LogMessage> message_;
+  std::unique_ptr<BasicLog::LogMessage> message_;
 };
 
 // The last component of a source path; with __func__ for statements without a fixed place.
@@ -95,7 +99,8 @@ constexpr std::string_view sourceFileName(std::string_view path) {
 
 // TUNADM_LOG(logger, kLogError, "FileUtils", "makeUniqueFile", "failed to open file")
 //     .detail("error = %s", strerror(error));
-// Neither texts nor details are evaluated when the logger is not enabled for the level.
+// Neither texts nor details are evaluated when the logger is not enabled for the level; logger and
+// level are evaluated more than once.
 #define TUNADM_LOG(logger, level, module, function, text) \
   if (!(logger).enabled(level)) {                         \
   } else                                                  \

@@ -2,8 +2,11 @@
 
 #include <errno.h>
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include <csignal>
 
 namespace tunadm {
 
@@ -40,10 +43,33 @@ ssize_t readSome(int descriptor, char* buffer, std::size_t size) {
 bool writeAll(int descriptor, std::string_view text) {
   while (!text.empty()) {
     const ssize_t count = write(descriptor, text.data(), text.size());
-    if (count < 0 && errno != EINTR) return false;
-    if (count > 0) text.remove_prefix(static_cast<std::size_t>(count));
+    if (count > 0) {
+      text.remove_prefix(static_cast<std::size_t>(count));
+    } else if (count < 0 && errno == EAGAIN) {
+      pollfd room{descriptor, POLLOUT, 0};
+      if (poll(&room, 1, -1) < 0 && errno != EINTR) return false;
+    } else if (count == 0 || errno != EINTR) {
+      return false;
+    }
   }
   return true;
+}
+
+void writeOutput(int descriptor, std::string_view text) {
+  struct sigaction ignore {};
+  struct sigaction before {};
+  ignore.sa_handler = SIG_IGN;
+  // Only for this write: children inherit what is ignored.
+  const bool changed = sigaction(SIGPIPE, &ignore, &before) == 0;
+  (void)writeAll(descriptor, text);  // There is nowhere left to report a failure.
+  if (changed) (void)sigaction(SIGPIPE, &before, nullptr);  // Cannot fail: it was valid before.
+}
+
+void fillStandardDescriptors() {
+  for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO; ++descriptor) {
+    // The lowest free number is taken, so this is the missing one.
+    if (fcntl(descriptor, F_GETFD) < 0) (void)open("/dev/null", O_RDWR | O_NOCTTY);  // Best effort.
+  }
 }
 
 }  // namespace tunadm

@@ -22,7 +22,16 @@ ScopedFd openRegularFile(const std::string& path);
 // read that starts again after EINTR.
 ssize_t readSome(int descriptor, char* buffer, std::size_t size);
 
-// Writes all of `text`, in one call of write where the system takes it so. False on failure.
+// Writes all of `text`, in one call of write where the system takes it so; waits where a descriptor
+// that does not block is full. False on failure.
 bool writeAll(int descriptor, std::string_view text);
+
+// The same for standard output and error. That nobody reads them (any more) is no failure: SIGPIPE
+// does not end the process.
+void writeOutput(int descriptor, std::string_view text);
+
+// Makes /dev/null stand in for each standard descriptor that the caller has closed; otherwise a
+// file that is opened later would take its number, and be given what is meant to be output.
+void fillStandardDescriptors();
 
 }  // namespace tunadm

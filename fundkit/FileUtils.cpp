@@ -38,6 +38,13 @@ bool anythingAt(const std::string& path) {
   return lstat(path.c_str(), &found) == 0;
 }
 
+bool areSameFile(int left, int right) {
+  struct stat first {};
+  struct stat second {};
+  return fstat(left, &first) == 0 && fstat(right, &second) == 0 && first.st_dev == second.st_dev &&
+         first.st_ino == second.st_ino;
+}
+
 StatusCode copyContent(int source, int destination, off_t size) {
   char chunk[kCopyChunk];
   for (off_t left = size; left > 0;) {
@@ -84,8 +91,11 @@ Status copyFile(const std::string& source, const std::string& destination) {
   if (stat(source.c_str(), &found) != 0) return copyFailure(kInvalidArgument, source);
   const ScopedFd input = openDescriptor(source, O_RDONLY);
   if (!input.valid()) return copyFailure(kOpenFailed, source);
-  ScopedFd output = openDescriptor(destination, O_WRONLY | O_CREAT | O_TRUNC, kCopyMode);
+  ScopedFd output = openDescriptor(destination, O_WRONLY | O_CREAT, kCopyMode);
   if (!output.valid()) return copyFailure(kOpenFailed, destination);
+  // Not truncated by the open: of a file that is copied onto itself nothing would be left.
+  if (areSameFile(input.get(), output.get())) return copyFailure(kInvalidArgument, destination);
+  if (ftruncate(output.get(), 0) != 0) return copyFailure(kWriteFailed, destination);
   const StatusCode copied = copyContent(input.get(), output.get(), found.st_size);
   if (copied != kSuccess) return copyFailure(copied, copied == kReadFailed ? source : destination);
   (void)fchmod(output.get(), kCopyMode);  // The content is complete whatever the mode.
@@ -98,8 +108,8 @@ Status moveFile(const std::string& source, const std::string& destination, Overw
   if (overwrite != Overwrite::kYes && anythingAt(destination)) return Status(kRenameFailed);
   if (rename(source.c_str(), destination.c_str()) == 0) return Status(kSuccess);
   if (errno != EXDEV) return Status(kRenameFailed);
-  if (Status copied = copyFile(source, destination); !copied.ok()) return copied;
-  return removeFile(source);
+  const bool moved = copyFile(source, destination).ok() && removeFile(source).ok();
+  return Status(moved ? kSuccess : kRenameFailed);
 }
 
 Status removeFile(const std::string& path) {

@@ -20,12 +20,12 @@ enum class Overwrite { kNo, kYes };
 // Copies the whole content; the destination is created or truncated and has mode 0644 afterwards.
 // A failed status has the path concerned as details and "copyFile" as context: kInvalidArgument
 // (also when the source's size cannot be read), kOpenFailed, kReadFailed (also when the source
-// shrinks meanwhile), kWriteFailed. The two paths must not lead to the same file.
+// shrinks meanwhile), kWriteFailed. A file is not copied onto itself: kInvalidArgument.
 Status copyFile(const std::string& source, const std::string& destination);
 
-// Renames; across file systems copies and removes the source, with the status of the step that
-// failed. With Overwrite::kNo an existing destination (a dead link too) is kRenameFailed and both
-// files stay. Any other failure to rename is kRenameFailed.
+// Renames; across file systems copies and removes the source. With Overwrite::kNo an existing
+// destination (a dead link too) is kRenameFailed and both files stay. Any other failure to rename
+// is kRenameFailed.
 Status moveFile(const std::string& source, const std::string& destination, Overwrite overwrite);
 
 // Each succeeds when nothing is there. Errors: kUnlinkFailed; kRmdirFailed.

@@ -7,7 +7,6 @@
 #include <unistd.h>
 
 #include "fundkit/DescriptorIo.h"
-#include "fundkit/FileUtils.h"
 #include "fundkit/WorkDirectories.h"
 
 namespace tunadm {
@@ -35,8 +34,7 @@ ScopedFd openTrustedDirectory(const std::string& directory) {
   return opened;
 }
 
-ScopedFd openLockFile(int directory, const std::string& path) {
-  const std::string name = path.substr(path.rfind('/') + 1);
+ScopedFd openLockFile(int directory, const std::string& name) {
   // Later runs by other users must be able to open the lock file.
   const mode_t old_umask = umask(0);
   ScopedFd file =
@@ -59,43 +57,39 @@ LockState lockExclusively(int file, Blocking blocking) {
   return errno == EWOULDBLOCK ? LockState::kBusy : LockState::kUnavailable;
 }
 
-bool leadsTo(const std::string& path, int file) {
-  struct stat at_path {};
-  struct stat opened {};
-  return lstat(path.c_str(), &at_path) == 0 && fstat(file, &opened) == 0 &&
-         at_path.st_dev == opened.st_dev && at_path.st_ino == opened.st_ino;
-}
-
-std::string lockFilePath(const std::string& directory, std::string_view name) {
-  if (name.empty()) return {};
-  return directory + std::string(name.substr(name.find_last_of("/\\") + 1)) + ".lock";
-}
-
 }  // namespace
 
 LockFile::LockFile(std::string_view name, Blocking blocking)
     : LockFile(lockDirectory(), name, blocking) {}
 
 LockFile::LockFile(const std::string& directory, std::string_view name, Blocking blocking)
-    : path_(lockFilePath(directory, name)) {
-  if (path_.empty()) return;
-  while (!tryAcquire(directory, blocking)) {
+    : directory_(openTrustedDirectory(directory)),
+      name_(std::string(name.substr(name.find_last_of("/\\") + 1)) + ".lock") {
+  if (name.empty() || !directory_.valid()) return;
+  while (!tryAcquire(blocking)) {
   }
 }
 
 LockFile::~LockFile() {
   // Removed while still held: whoever waits for it sees by the path that it locked a dead file.
   // A file that someone else has put at the path since is left alone.
-  if (held() && leadsTo(path_, file_.get())) (void)removeEntry(path_);  // A left-over does no harm.
+  if (!held() || !nameLeadsToFile()) return;
+  (void)unlinkat(directory_.get(), name_.c_str(), 0);  // A left-over does no harm.
 }
 
-bool LockFile::tryAcquire(const std::string& directory, Blocking blocking) {
-  const ScopedFd trusted = openTrustedDirectory(directory);
-  if (!trusted.valid()) return true;
-  file_ = openLockFile(trusted.get(), path_);
+bool LockFile::nameLeadsToFile() const {
+  struct stat named {};
+  struct stat opened {};
+  return fstatat(directory_.get(), name_.c_str(), &named, AT_SYMLINK_NOFOLLOW) == 0 &&
+         fstat(file_.get(), &opened) == 0 && named.st_dev == opened.st_dev &&
+         named.st_ino == opened.st_ino;
+}
+
+bool LockFile::tryAcquire(Blocking blocking) {
+  file_ = openLockFile(directory_.get(), name_);
   if (!file_.valid()) return true;
   state_ = lockExclusively(file_.get(), blocking);
-  if (state_ == LockState::kHeld && !leadsTo(path_, file_.get())) {
+  if (state_ == LockState::kHeld && !nameLeadsToFile()) {
     state_ = LockState::kUnavailable;
     return false;
   }

@@ -38,9 +38,11 @@ class LockFile {
 
  private:
   // One attempt; false when the lock file was removed before it was locked.
-  bool tryAcquire(const std::string& directory, Blocking blocking);
+  bool tryAcquire(Blocking blocking);
+  bool nameLeadsToFile() const;
 
-  std::string path_;
+  ScopedFd directory_;
+  std::string name_;  // in the directory
   ScopedFd file_;
   LockState state_ = LockState::kUnavailable;
 };

@@ -21,8 +21,9 @@ constexpr mode_t kUniqueFileMode = 0644;
 ScopedStream createUnique(const char* path) {
   ScopedFd file = openDescriptor(AT_FDCWD, path, O_RDWR | O_CREAT | O_EXCL, kUniqueFileMode);
   if (!file.valid()) {
+    const int error = errno;
     TUNADM_LOG(fundkitLogger(), kLogError, "FileUtils", "makeUniqueFile", "failed to open file")
-        .detail("error = %s", std::strerror(errno));
+        .detail("error = %s", std::strerror(error));
     return nullptr;
   }
   ScopedStream stream(fdopen(file.get(), "w+"));

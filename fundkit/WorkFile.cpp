@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::size_t kBufferSize = 65536;
 constexpr mode_t kPrivateMode = 0600;
-constexpr mode_t kModeBits = 07777;
+constexpr mode_t kModeBits = 0777;
 
 mode_t defaultMode() {
   const mode_t mask = umask(0);

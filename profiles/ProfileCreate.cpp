@@ -62,7 +62,7 @@ Status chooseName(const CreateRequest& request, ProfileRef* profile) {
   TakenNames taken;
   for (const ProfileEntry& entry : profiles) taken.add(entry.profile_name);
 
-  const std::string wanted = request.name.empty() ? "profile" : request.name;
+  const std::string wanted = request.name.empty() ? std::string(kDefaultName) : request.name;
   profile->profile_name = request.allow_rename ? taken.uniqueName(wanted) : wanted;
   return Status(taken.contains(profile->profile_name) ? kApplicationError : kSuccess);
 }

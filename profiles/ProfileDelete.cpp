@@ -8,6 +8,7 @@
 #include "fundkit/RemoveTree.h"
 #include "profiles/CurrentProfile.h"
 #include "profiles/ProfileCreate.h"
+#include "profiles/ProfileList.h"
 #include "profiles/ProfileLock.h"
 #include "profiles/ProfilePaths.h"
 #include "profiles/ProfileSelector.h"
@@ -27,8 +28,10 @@ bool removeDirectory(const std::string& dir_name) {
 void keepACurrentProfile() {
   std::string path;
   if (enterCurrentProfile(&path)) return;
+  ProfileList left;
+  if (!enumerateProfiles(&left) || !left.empty()) return;
   ProfileRef created;
-  // The removal has been done; a store without a factory profile stays empty.
+  // The removal has been done, whatever becomes of this.
   (void)createProfile(CreateRequest(), &created);
 }
 

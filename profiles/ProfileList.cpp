@@ -12,7 +12,6 @@
 namespace tunadm {
 namespace {
 
-constexpr std::string_view kDefaultName = "profile";
 constexpr int kLastNumber = 999999;
 
 struct StoreScan {

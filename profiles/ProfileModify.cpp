@@ -59,7 +59,7 @@ Status clearState(const std::string& dir_name, Daemon daemon) {
     return Status(kSuccess);
   }
   std::string profile_name;
-  return resetProfile("dir=" + dir_name, &profile_name);
+  return resetProfile(selectorOf(dir_name), &profile_name);
 }
 
 // Deliberate: the status is that of the last step that sets one.
@@ -75,7 +75,7 @@ Status applyChanges(const ModifyRequest& request, Daemon daemon, ProfileRef* pro
   }
   (void)writeInvitationCode(dir_name, request.invitation);
   if (!request.new_name.empty()) {
-    status = renameProfile("dir=" + dir_name, request.new_name);
+    status = renameProfile(selectorOf(dir_name), request.new_name);
     if (status.ok()) profile->profile_name = request.new_name;
   }
   return status;

@@ -9,7 +9,8 @@
 
 namespace tunadm {
 
-// What is empty stays as it is; so does the port when it is not from 1 to 65535.
+// What is empty stays as it is. A port that is not from 1 to 65535 means 8096 with a host, and
+// changes nothing without one.
 struct ModifyRequest {
   std::string new_name;
   std::string helmsman_host;
@@ -30,8 +31,8 @@ struct ModifyRequest {
 // break, or a new name that is taken or reserved; nothing has been done then), or the first failure
 // among stop, changes and start. Of the changes, a Helmsman or log level that cannot be changed
 // ends them (kApplicationError, kWriteFailed). The state files of a running profile are not
-// removed; kRefusedWhileRunning says so, unless the network or name was changed after that. What
-// was changed before a failure stays.
+// removed; kRefusedWhileRunning says so, unless the network or name was changed after that. A
+// name that cannot be written fails as renameProfile. What was changed before a failure stays.
 Status modifyProfile(std::string_view selector, const ModifyRequest& request, ProfileRef* profile);
 
 }  // namespace tunadm

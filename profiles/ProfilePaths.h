@@ -14,6 +14,9 @@ inline constexpr std::string_view kProfilesRoot = "/opt/vrx//profiles/";
 inline constexpr std::string_view kCurrentMarker = ".current";
 inline constexpr std::string_view kFactoryName = ".factory";
 
+// The friendly name of a profile that nobody named.
+inline constexpr std::string_view kDefaultName = "profile";
+
 // Files of a profile.
 inline constexpr std::string_view kNameFile = "profile_name";
 inline constexpr std::string_view kHipConf = "hip.conf";

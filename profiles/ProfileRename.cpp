@@ -17,9 +17,9 @@ constexpr std::string_view kContext = "profile rename";
 
 bool isNewName(std::string_view name) {
   // A selector for the current profile resolves to nothing while there is none, but will later.
-  if (name == kCurrentMarker || name == "--active") return false;
+  if (namesCurrentProfile(name)) return false;
   ProfileRef other;
-  return resolveSelector(name.empty() ? "profile" : name, &other).code() == kProfileNotFound;
+  return resolveSelector(name.empty() ? kDefaultName : name, &other).code() == kProfileNotFound;
 }
 
 Status renameProfile(std::string_view selector, const std::string& new_name) {

@@ -54,10 +54,17 @@ Status resolveFriendlyName(std::string_view name, ProfileRef* profile) {
 
 }  // namespace
 
+std::string selectorOf(std::string_view dir_name) {
+  if (dir_name == kFactoryName) return std::string(kFactoryName);
+  return std::string(kDirPrefix).append(dir_name);
+}
+
+bool namesCurrentProfile(std::string_view selector) {
+  return selector == kCurrentMarker || selector == "--active";
+}
+
 Status resolveSelector(std::string_view selector, ProfileRef* profile) {
-  if (selector.empty() || selector == kCurrentMarker || selector == "--active") {
-    return resolveCurrent(profile);
-  }
+  if (selector.empty() || namesCurrentProfile(selector)) return resolveCurrent(profile);
   if (selector.starts_with(kDirPrefix)) {
     return resolveDirectory(selector.substr(kDirPrefix.size()), profile);
   }

@@ -13,6 +13,12 @@ struct ProfileRef {
   std::string profile_name;  // the friendly name
 };
 
+// The selector for the profile in `dir_name`.
+std::string selectorOf(std::string_view dir_name);
+
+// True for the selectors that name the current profile, whichever it is, but for the empty one.
+bool namesCurrentProfile(std::string_view selector);
+
 // Finds the profile that `selector` names:
 //   "", ".current", "--active"  the current profile
 //   "dir=<dir name>"            the profile in that directory

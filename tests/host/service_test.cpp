@@ -1,11 +1,18 @@
 // The service and the changes of a profile that go with it, with stand-ins for the init systems.
 #include <gtest/gtest.h>
+#include <stdio.h>
+#include <sys/mount.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <ctime>
 #include <set>
+#include <string>
+#include <utility>
+#include <vector>
 
+#include "profiles/ProfileLock.h"
 #include "service/ChildProcess.h"
 #include "service/ServiceControl.h"
 #include "service/ServiceStatus.h"
@@ -27,6 +34,8 @@ std::string failure(const std::string& text, const std::string& code) {
 const std::string kRefusedRunning =
     failure("command cannot be executed while the profile is running", "0x12001002");
 const std::string kNonzero = failure("child process returned nonzero exit code", "0x16001001");
+const std::string kRefusedUser =
+    failure("authentication error (tunadm requires sudo for this command)", "0x12000002");
 const std::string kApplication = failure("application error", "0x12000001");
 
 enum class Daemon { kDown, kUp, kUnknown };
@@ -84,30 +93,65 @@ TEST(Service, EachInitSystemIsCalledInItsOwnWay) {
        {"/etc/init.d/quenlay quenlay start", "/usr/bin/killall killall /usr/sbin/quenlay",
         "/etc/init.d/quenlay quenlay restart"}},
       {"sys=", "/etc/init.d/quenlay", {"/etc/init.d/quenlay quenlay start"}},
+      {"sys=null", "/bin/systemctl", {}},
+      {"sys=launchd", "/bin/systemctl", {}},
   };
   for (const auto& c : cases) {
     TestHost host;
     host.standIn(c.path).standIn("/usr/bin/killall");
     const Words verbs = {"start", "stop", "bounce"};
-    for (std::size_t i = 0; i < c.calls.size(); ++i) {
-      EXPECT_EQ(host.run({"service", verbs[i], c.system}).out, "") << c.system;
+    for (std::size_t i = 0; i < std::max<std::size_t>(1, c.calls.size()); ++i) {
+      EXPECT_EQ(host.run({"service", verbs[i], c.system}).out, c.calls.empty() ? kNonzero : "");
     }
     EXPECT_EQ(host.calls(), c.calls);
   }
+}
+
+TEST(Service, ProfileCommandsUseTheSameInitSystem) {
+  for (const Words& words : {Words{"profile", "activate", "two"},
+                             {"profile", "create", "new", "helmsman=h", "activate"},
+                             {"profile", "modify", "one", "activate"}}) {
+    for (const bool upstart : {true, false}) {
+      ServiceHost host(Daemon::kUp);
+      host.standIn("/etc/init.d/quenlay").standIn("/sbin/initctl");
+      Words line = words;
+      if (upstart) line.push_back("sys=upstart");
+      EXPECT_EQ(host.run(line).out.find("status_code"), std::string::npos);
+      EXPECT_EQ(host.calls(), upstart ? (Calls{"/sbin/initctl initctl stop hip",
+                                               "/sbin/initctl initctl start hip"})
+                                      : (Calls{kStop, kStart}));
+    }
+  }
+}
+
+TEST(Service, OrdinaryUsersAreRefused) {
+  ServiceHost host;
+  for (const Words& words : {Words{"service", "start"},
+                             {"service", "stop"},
+                             {"service", "restart"},
+                             {"profile", "create", "x", "helmsman=h"},
+                             {"profile", "delete", "two"},
+                             {"profile", "rename", "two", "new_name=x"},
+                             {"profile", "modify", "two", "network=x"},
+                             {"support", "reset", "two"}}) {
+    EXPECT_EQ(host.run(words, RunAs::kOrdinaryUser).out, kRefusedUser) << words[1];
+  }
+  EXPECT_EQ(host.calls(), Calls());
+  // What activate needs is up to the marker's mode and the init system.
+  host.file("/tmp/calls", "", 0666);
+  EXPECT_EQ(host.run({"profile", "activate", "dir=two"}, RunAs::kOrdinaryUser).out,
+            "profile_name: two\n");
+  EXPECT_EQ(host.calls(), (Calls{kStop, kStart}));
 }
 
 TEST(Service, WhatTheChildsEndMeans) {
   const std::string signalled = failure("child process terminated by a signal", "0x16001002");
   TestHost host;
   EXPECT_EQ(host.run({"service", "start"}).out, kNonzero) << "no init system";
-  EXPECT_EQ(host.run({"service", "start", "sys=launchd"}).out, kNonzero);
   EXPECT_EQ(host.run({"service", "start", "sys=systemd"}).out, kNonzero) << "no such program";
   host.standIn("/bin/systemctl").file("/tmp/stand-in-end", "exit 7\nsignal 15\n");
   EXPECT_EQ(host.run({"service", "start", "sys=systemd"}).out, kNonzero);
   EXPECT_EQ(host.run({"service", "restart", "full", "sys=systemd"}).out, signalled);
-  const Outcome ordinary = host.run({"service", "stop", "sys=systemd"}, RunAs::kOrdinaryUser);
-  EXPECT_EQ(ordinary.out,
-            failure("authentication error (tunadm requires sudo for this command)", "0x12000002"));
   EXPECT_EQ(host.calls().size(), 2u);
 }
 
@@ -149,6 +193,14 @@ TEST(ServiceStatus, Branches) {
       {"", 3, 3, 3},
   };
   ServiceHost host;
+  long before = 0;
+  TriState at_five = TriState::kUnknown;
+  do {  // until the clock stands still in between
+    before = time(nullptr);
+    host.status("one", 5);
+    at_five = isDaemonRunning();
+  } while (time(nullptr) != before);
+  EXPECT_EQ(at_five, TriState::kYes);
   for (const auto& c : cases) {
     host.file("one/hipvars.txt", c.text);
     ServiceState found;
@@ -213,11 +265,18 @@ TEST(Create, WithActivate) {
     EXPECT_EQ(host.calls(), daemon == Daemon::kDown ? Calls{kStart} : (Calls{kStop, kStart}));
     EXPECT_EQ(host.read(".current"), "profile-123123\n");
   }
-  ServiceHost host(Daemon::kUp);
-  ASSERT_EQ(rename("/opt/vrx/profiles/.factory", "/opt/vrx/profiles/.gone"), 0);
-  EXPECT_EQ(host.run(create).out, "status_code: 0x14000002\n");
-  EXPECT_EQ(host.calls(), (Calls{kStop, kStart}));
-  EXPECT_EQ(host.read(".current"), "one\n");
+  for (const Daemon daemon : {Daemon::kDown, Daemon::kUp}) {
+    ServiceHost host(daemon);
+    ASSERT_EQ(rename("/opt/vrx/profiles/.factory", "/opt/vrx/profiles/.gone"), 0);
+    EXPECT_EQ(host.run(create).out, "status_code: 0x14000002\n");
+    EXPECT_EQ(host.calls(), daemon == Daemon::kDown ? Calls() : (Calls{kStop, kStart}));
+    EXPECT_EQ(host.read(".current"), "one\n");
+  }
+  ServiceHost host;
+  ASSERT_EQ(unlink("/opt/vrx/profiles/.current"), 0);
+  host.file(".current/in-its-place", "");
+  EXPECT_EQ(host.run(create).out, "status_code: 0x12000001\n");
+  EXPECT_EQ(host.calls(), Calls{kStart});
 }
 
 TEST(Delete, Refusals) {
@@ -227,12 +286,22 @@ TEST(Delete, Refusals) {
     EXPECT_EQ(host.run({"profile", "delete", selector}).out, invalid) << selector;
   }
   EXPECT_EQ(host.run({"profile", "delete", "--active"}).out, kRefusedRunning);
-  EXPECT_EQ(host.run({"profile", "delete", "two"}, RunAs::kOrdinaryUser).out,
-            failure("authentication error (tunadm requires sudo for this command)", "0x12000002"));
+  EXPECT_EQ(host.run({"profile", "delete", "two"}, RunAs::kOrdinaryUser).out, kRefusedUser);
   host.file(".current", ".factory\n");
   EXPECT_EQ(host.run({"profile", "delete", "--active"}).out, invalid);
   EXPECT_TRUE(host.exists("one/hip.conf") && host.exists("two/hip.conf") &&
               host.exists(".factory/hip.conf"));
+}
+
+TEST(Delete, NothingIsMadeUpForAFailure) {
+  ServiceHost host;
+  host.file("one/busy/x", "");
+  ASSERT_EQ(mount("none", "/opt/vrx/profiles/one/busy", "tmpfs", 0, nullptr), 0);
+  EXPECT_EQ(host.run({"profile", "delete", "one"}).out, kApplication);
+  ASSERT_EQ(umount("/opt/vrx/profiles/one/busy") + unlink("/opt/vrx/profiles/.current"), 0);
+  host.file(".current/in-its-place", "");
+  EXPECT_EQ(host.run({"profile", "delete", "dir=one"}).out, "");
+  EXPECT_FALSE(host.exists("profile-123123")) << "two is left";
 }
 
 TEST(Delete, TheLastOneIsReplaced) {
@@ -268,7 +337,7 @@ TEST(Rename, Names) {
                {"a\nb", "value holds a line break"}};
   for (const auto& c : cases) {
     ServiceHost host(Daemon::kUp);
-    if (c.name[0] == '.') unlink("/opt/vrx/profiles/.current");
+    if (c.name[0] == '.' || c.name[0] == '-') unlink("/opt/vrx/profiles/.current");
     const std::string out =
         host.run({"profile", "rename", "one", std::string("new_name=") + c.name}).out;
     const std::string name = c.name;
@@ -303,12 +372,23 @@ TEST(Modify, ChangesOnlyWhatIsGiven) {
   EXPECT_EQ(host.read("two/mapconfig.static"), "map_uri=https://old:9000\n");
   EXPECT_EQ(host.mode("two/mapconfig.static"), 0600u);
   EXPECT_EQ(host.calls(), Calls()) << "neither current nor running: nothing to restart";
-  EXPECT_EQ(
-      host.run({"profile", "modify", "dir=two", "helmsman=new:70000", "log_level=DEBUG", "--quiet"})
-          .exit,
-      0);
-  EXPECT_EQ(host.read("two/mapconfig.static"), "map_uri=https://new:8096\n");
-  EXPECT_EQ(host.read("two/endbox.conf"), "# mine\nlog_level=DEBUG\nopenhip.log_level=DEBUG\n");
+  const std::pair<const char*, const char*> hosts[] = {
+      {"h:0", "h:8096"}, {"h:1", "h:1"},        {":65535", "h:65535"},
+      {":0", "h:65535"}, {":65536", "h:65535"}, {"h:65536", "h:8096"}};
+  for (const auto& [given, address] : hosts) {
+    EXPECT_EQ(host.run({"profile", "modify", "dir=two", std::string("helmsman=") + given}).exit, 0);
+    EXPECT_EQ(host.read("two/mapconfig.static"), "map_uri=https://" + std::string(address) + "\n");
+  }
+  const std::pair<const char*, const char*> levels[] = {
+      {"error", "error"}, {"Warning", "Warning"}, {"info", "info"},    {"DEBUG", "DEBUG"},
+      {"trace", "trace"}, {"fatal", "fatal"},     {"wArn", "warning"}, {"Err", "error"}};
+  for (const auto& [given, level] : levels) {
+    EXPECT_EQ(host.run({"profile", "modify", "dir=two", std::string("log_level=") + given}).exit,
+              0);
+    const std::string written = level;
+    EXPECT_EQ(host.read("two/endbox.conf"),
+              "# mine\nlog_level=" + written + "\nopenhip.log_level=" + written + "\n");
+  }
 }
 
 TEST(Modify, FailuresAndTheirOrder) {
@@ -316,10 +396,14 @@ TEST(Modify, FailuresAndTheirOrder) {
   EXPECT_EQ(host.run({"profile", "modify", "three"}, RunAs::kOrdinaryUser).out,
             failure("profile not found", "0x12001001"));
   EXPECT_EQ(host.run({"profile", "modify", "two", "new_name=a\nb"}, RunAs::kOrdinaryUser).out,
-            failure("authentication error (tunadm requires sudo for this command)", "0x12000002"));
+            kRefusedUser);
   EXPECT_EQ(host.run({"profile", "modify", "two", "new_name=one", "helmsman=h"}).out,
             failure("invalid argument (invalid profile name)", "0x10000003"));
-  EXPECT_FALSE(host.exists("two/mapconfig.static"));
+  for (const char* value : {"helmsman=a\nb", "network=a\nb", "invitation=a\nb"}) {
+    EXPECT_EQ(host.run({"profile", "modify", "two", value}).out,
+              failure("invalid argument (value holds a line break)", "0x10000003"));
+  }
+  EXPECT_FALSE(host.exists("two/mapconfig.static") || host.exists("two/endbox.conf"));
   EXPECT_EQ(host.run({"profile", "modify", "two", "helmsman=:1"}).out, kApplication);
   EXPECT_EQ(
       host.run({"profile", "modify", "two", "helmsman=h", "log_level=verbose", "network=eth1"}).out,
@@ -333,6 +417,8 @@ TEST(Modify, FailuresAndTheirOrder) {
       host.run({"profile", "modify", "one", "network=eth1", "--quiet"}).out.rfind("details:", 0),
       0u);
   EXPECT_TRUE(host.exists("one/hipvars.txt"));
+  host.file("two/endbox.conf/in-its-place", "");
+  EXPECT_EQ(host.run({"profile", "modify", "two", "log_level=info"}).out, kApplication);
 }
 
 TEST(Modify, RestartAroundTheChange) {
@@ -354,6 +440,7 @@ TEST(Modify, RestartAroundTheChange) {
     const char* level;
     std::string out;
   } cases[] = {{"exit 1\nexit 0\n", "log_level=info", kNonzero},
+               {"exit 1\nexit 0\n", "log_level=bad", kNonzero},
                {"exit 0\nexit 1\n", "log_level=info", kNonzero},
                {"exit 0\nexit 1\n", "log_level=bad",
                 failure("application error (invalid log_level value)", "0x12000001")}};
@@ -377,12 +464,46 @@ TEST(Reset, RemovesStateFilesOfAStoppedProfile) {
   EXPECT_TRUE(host.exists("two/hip.conf"));
 }
 
-// Runs all command lines at the same time.
-void runTogether(const TestHost& host, const std::vector<Words>& lines) {
-  for (const Words& words : lines) {
-    if (fork() == 0) _exit(host.run(words).exit);
+pid_t runInBackground(const TestHost& host, const Words& words) {
+  const pid_t child = fork();
+  if (child == 0) {
+    close_range(3, ~0U, 0);  // a lock that this process holds is not the child's
+    _exit(host.run(words).exit == 0 && !testing::Test::HasFailure() ? 0 : 1);
   }
-  for (std::size_t i = 0; i < lines.size(); ++i) wait(nullptr);
+  return child;
+}
+
+int exitOf(pid_t child) {
+  int status = -1;
+  return waitpid(child, &status, 0) == child ? status : -1;
+}
+
+void runTogether(const TestHost& host, const std::vector<Words>& lines) {
+  std::vector<pid_t> children;
+  for (const Words& words : lines) children.push_back(runInBackground(host, words));
+  for (const pid_t child : children) EXPECT_EQ(exitOf(child), 0);
+}
+
+TEST(Concurrency, ChangesWaitForTheLock) {
+  for (const Words& words : {Words{"profile", "create", "x", "helmsman=h"},
+                             {"profile", "activate", "two"},
+                             {"profile", "delete", "two"},
+                             {"profile", "rename", "two", "new_name=x"},
+                             {"profile", "modify", "two", "network=x"},
+                             {"support", "reset", "two"}}) {
+    ServiceHost host;
+    host.file("/tmp/lock/keep", "");  // this process makes the directory only once
+    pid_t child = -1;
+    {
+      const ProfileLock lock;
+      child = runInBackground(host, words);
+      const long deadline = time(nullptr) + 10;
+      while (host.read("/proc/locks").find("->") == std::string::npos) {
+        ASSERT_LT(time(nullptr), deadline) << words[1] << " does not wait";
+      }
+    }
+    EXPECT_EQ(exitOf(child), 0);
+  }
 }
 
 TEST(Concurrency, FriendlyNamesStayUnique) {

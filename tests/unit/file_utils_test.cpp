@@ -1,4 +1,3 @@
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sched.h>
 #include <signal.h>
@@ -8,8 +7,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
@@ -32,80 +29,33 @@ namespace tunadm {
 namespace {
 
 using namespace std::string_literals;
-using Names = std::vector<std::string>;
 
-constexpr int kCannotRun = 77;
 constexpr uid_t kStranger = 65534;
 
-// Runs `body` in a child process of its own and gives the child's process ID.
 pid_t startChild(const std::function<int()>& body) {
   const pid_t child = fork();
   if (child == 0) _exit(body());
   return child;
 }
 
+// The exit code of the child, or -1 when a signal ended it.
 int exitOf(pid_t child) {
   int status = 0;
-  if (waitpid(child, &status, 0) != child || !WIFEXITED(status)) return -1;
-  return WEXITSTATUS(status);
-}
-
-int inChild(const std::function<int()>& body) { return exitOf(startChild(body)); }
-
-Names sorted(Names names) {
-  std::sort(names.begin(), names.end());
-  return names;
-}
-
-// Makes further writes beyond 4096 bytes of a file fail, as on a full disk.
-void limitFileSize() {
-  (void)signal(SIGXFSZ, SIG_IGN);
-  const rlimit limit{4096, 4096};
-  (void)setrlimit(RLIMIT_FSIZE, &limit);
-}
-
-TEST(FileUtils, EmptyPathIsRefused) {
-  std::string text = "before";
-  for (Status (*operation)(const std::string&) :
-       {removeFile, removeEmptyDirectory, removeEntry, removeTree, emptyDirectory}) {
-    EXPECT_EQ(operation("").code(), kInvalidArgument);
-  }
-  EXPECT_EQ(copyFile("/nowhere", "").code(), kInvalidArgument);
-  EXPECT_EQ(moveFile("/nowhere", "", Overwrite::kYes).code(), kInvalidArgument);
-  EXPECT_EQ(makeDirectory("", 0755).code(), kInvalidArgument);
-  EXPECT_EQ(makeNewDirectory("", 0755).code(), kInvalidArgument);
-  EXPECT_EQ(changeMode("", 0755).code(), kInvalidArgument);
-  EXPECT_EQ(writeLines("", {}).code(), kInvalidArgument);
-  EXPECT_EQ(readFile("", &text).code(), kInvalidArgument);
-  EXPECT_EQ(listDirectory("").status.code(), kInvalidArgument);
-  EXPECT_EQ(WorkFile("").commit().code(), kInvalidArgument);
-  EXPECT_EQ(makeUniqueFile("", &text), nullptr);
+  (void)waitpid(child, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
 TEST(FileUtils, Copy) {
   const TempDirectory temp;
-  for (const std::size_t size : {0U, 1U, 4096U, 4097U, 70000U}) {
-    std::string content(size, 'x');
-    if (size > 0) content.back() = '\0';
-    temp.write("to", "longer than what comes");
-    ASSERT_TRUE(changeMode(temp.at("to"), 0600).ok());
+  for (const unsigned size : {0U, 4096U, 70000U}) {
+    const std::string content(size, '\0');
+    ASSERT_TRUE(changeMode(temp.write("to", "longer than nothing"), 0600).ok());
     EXPECT_TRUE(copyFile(temp.write("from", content), temp.at("to")).ok());
     EXPECT_EQ(temp.read("to"), content);
     EXPECT_EQ(temp.mode("to"), 0644U);
   }
-  ASSERT_TRUE(makeDirectory(temp.at("dir"), 0755).ok());
-  const struct {
-    const char *from, *to;
-    StatusCode code;
-    const char* details;
-  } cases[] = {{"none", "a", kInvalidArgument, "none"},
-               {"from", "no/b", kOpenFailed, "no/b"},
-               {"dir", "c", kReadFailed, "dir"}};
-  for (const auto& c : cases) {
-    const Status status = copyFile(temp.at(c.from), temp.at(c.to));
-    EXPECT_EQ(status.code(), c.code);
-    EXPECT_EQ(status.details() + status.context(), temp.at(c.details) + "copyFile");
-  }
+  EXPECT_EQ(copyFile(temp.at("none"), temp.at("to")).code(), kInvalidArgument);
+  EXPECT_EQ(copyFile(temp.at("from"), temp.at("no/to")).details(), temp.at("no/to"));
 }
 
 TEST(FileUtils, Move) {
@@ -114,171 +64,73 @@ TEST(FileUtils, Move) {
   const std::string to = temp.write("to", "2");
   EXPECT_EQ(moveFile(from, to, Overwrite::kNo).code(), kRenameFailed);
   EXPECT_EQ(temp.read("from") + temp.read("to"), "12");
-  ASSERT_EQ(symlink("nowhere", temp.at("dead").c_str()), 0);
-  EXPECT_EQ(moveFile(from, temp.at("dead"), Overwrite::kNo).code(), kRenameFailed);
   EXPECT_TRUE(moveFile(from, to, Overwrite::kYes).ok());
   EXPECT_EQ(temp.read("from") + temp.read("to"), "<none>1");
-  EXPECT_TRUE(moveFile(to, temp.at("new"), Overwrite::kNo).ok());
-  EXPECT_EQ(moveFile(to, temp.at("new"), Overwrite::kYes).code(), kRenameFailed);
-}
-
-TEST(FileUtils, MoveAcrossFileSystems) {
-  const TempDirectory temp;
-  const std::string from = temp.write("from", "content");
-  ASSERT_TRUE(makeDirectory(temp.at("other"), 0755).ok());
-  const int result = inChild([&] {
-    if (unshare(CLONE_NEWNS) != 0 || mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) ||
-        mount("none", temp.at("other").c_str(), "tmpfs", 0, nullptr) != 0) {
-      return kCannotRun;
-    }
-    if (moveFile(from, temp.at("other/gone/to"), Overwrite::kNo).code() != kRenameFailed) return 1;
-    if (!moveFile(from, temp.at("other/to"), Overwrite::kNo).ok()) return 2;
-    return temp.read("from") == "<none>" && temp.read("other/to") == "content" ? 0 : 3;
-  });
-  if (result == kCannotRun) GTEST_SKIP() << "no private mounts here";
+  const auto across_file_systems = [&] {
+    if (unshare(CLONE_NEWNS) || mount("", "/", nullptr, MS_REC | MS_PRIVATE, nullptr)) return 77;
+    if (!makeDirectory(temp.at("fs"), 0755).ok()) return 1;
+    if (mount("", temp.at("fs").c_str(), "tmpfs", 0, nullptr) != 0) return 77;
+    if (!moveFile(to, temp.at("fs/to"), Overwrite::kNo).ok()) return 2;
+    return temp.read("to") + temp.read("fs/to") == "<none>1" ? 0 : 3;
+  };
+  const int result = exitOf(startChild(across_file_systems));
+  if (result == 77) GTEST_SKIP() << "no private mounts here";
   EXPECT_EQ(result, 0);
 }
 
-TEST(FileUtils, RemoveAndMake) {
+TEST(FileUtils, MakeAndRemove) {
   const TempDirectory temp;
-  const std::string file = temp.write("file", "");
   const std::string dir = temp.at("dir");
-  EXPECT_TRUE(removeFile(temp.at("none")).ok());
-  EXPECT_TRUE(removeEmptyDirectory(temp.at("none")).ok());
-  EXPECT_EQ(makeDirectory(temp.at("none/dir"), 0755).code(), kMkdirFailed);
-  EXPECT_TRUE(makeNewDirectory(dir, 0700).ok());
-  EXPECT_EQ(temp.mode("dir"), 0700U);
-  EXPECT_EQ(makeNewDirectory(dir, 0700).code(), kMkdirFailed);
-  EXPECT_TRUE(makeDirectory(dir, 0755).ok());
+  EXPECT_TRUE(makeNewDirectory(dir, 0700).ok() && makeDirectory(dir, 0755).ok());
+  EXPECT_EQ(makeNewDirectory(dir, 0755).code(), kMkdirFailed);
   EXPECT_EQ(temp.mode("dir"), 0700U);
   EXPECT_EQ(removeFile(dir).code(), kUnlinkFailed);
-  EXPECT_EQ(removeEmptyDirectory(file).code(), kRmdirFailed);
-  EXPECT_EQ(removeEmptyDirectory(temp.path()).code(), kRmdirFailed);
   EXPECT_EQ(removeEntry(temp.path()).code(), kRmdirFailed);
-  EXPECT_TRUE(removeEntry(dir).ok());
-  EXPECT_TRUE(removeEntry(file).ok());
-  EXPECT_FALSE(pathExists(dir) || pathExists(file));
+  EXPECT_TRUE(removeEntry(dir).ok() && removeFile(dir).ok() && !pathExists(dir));
 }
 
-TEST(FileUtils, ChangeModeSucceedsWhenItIsSoAlready) {
+TEST(FileUtils, WriteLinesAndFullDisk) {
   const TempDirectory temp;
-  const std::string file = temp.write("file", "");
-  EXPECT_TRUE(changeMode(file, 0604).ok());
-  EXPECT_EQ(temp.mode("file"), 0604U);
-  EXPECT_EQ(changeMode(temp.at("none"), 0604).code(), kChmodFailed);
-  if (geteuid() != 0) GTEST_SKIP() << "needs a file of another user";
-  ASSERT_TRUE(changeMode(temp.path(), 0755).ok());
-  EXPECT_EQ(inChild([&] {
-              if (setuid(kStranger) != 0) return 1;
-              if (!changeMode(file, 0604).ok()) return 2;
-              return changeMode(file, 0644).code() == kChmodFailed ? 0 : 3;
-            }),
-            0);
-}
-
-TEST(FileUtils, WriteLines) {
-  const TempDirectory temp;
-  const std::string file = temp.write("file", "much longer than the new content");
-  EXPECT_TRUE(writeLines(file, {"a", "", "b\0c"s}).ok());
-  EXPECT_EQ(temp.read("file"), "a\n\nb\n");
-  EXPECT_EQ(temp.mode("file"), 0640U);
-  EXPECT_EQ(writeLines(temp.at("no/file"), {}).code(), kOpenFailed);
-}
-
-TEST(FileUtils, FullDisk) {
-  const TempDirectory temp;
-  const std::string big = temp.write("big", std::string(10000, 'x'));
-  temp.write("kept", "old");
-  EXPECT_EQ(inChild([&] {
-              limitFileSize();
-              if (writeLines(temp.at("a"), {std::string(5000, 'x')}).code() != kWriteFailed)
-                return 1;
-              const Status copied = copyFile(big, temp.at("b"));
-              if (copied.code() != kWriteFailed || copied.details() != temp.at("b")) return 2;
-              WorkFile work(temp.at("kept"));
-              work.put(std::string(5000, 'x'));
-              if (work.commit().code() != kWriteFailed) return 3;
-              return pathExists(temp.at("kept.temp")) ? 4 : 0;
-            }),
-            0);
-  EXPECT_EQ(temp.read("kept"), "old");
-}
-
-TEST(FileUtils, Questions) {
-  const TempDirectory temp;
-  temp.write("file", "");
-  ASSERT_TRUE(makeDirectory(temp.at("dir"), 0755).ok());
-  ASSERT_EQ(symlink("file", temp.at("to_file").c_str()), 0);
-  ASSERT_EQ(symlink("dir", temp.at("to_dir").c_str()), 0);
-  ASSERT_EQ(symlink("none", temp.at("dead").c_str()), 0);
-  const std::pair<const char*, const char*> cases[] = {{"file", "er"},    {"dir", "ed"},
-                                                       {"to_file", "er"}, {"to_dir", "e"},
-                                                       {"dead", ""},      {"none", ""}};
-  for (const auto& [name, expected] : cases) {
-    std::string answers = pathExists(temp.at(name)) ? "e" : "";
-    if (isRegularFile(temp.at(name))) answers += 'r';
-    if (isRealDirectory(temp.at(name))) answers += 'd';
-    EXPECT_EQ(answers, expected) << name;
-  }
-  EXPECT_EQ(inChild([&] {
-              std::string path = "x";
-              if (chdir(temp.at("to_dir").c_str()) != 0 || !currentDirectory(&path).ok()) return 1;
-              if (path != temp.at("dir") || rmdir(path.c_str()) != 0) return 2;
-              return currentDirectory(&path).code() == kGetcwdFailed && path.empty() ? 0 : 3;
-            }),
-            0);
+  const std::string kept = temp.write("kept", "longer than the new content");
+  EXPECT_TRUE(writeLines(kept, {"a", "", "b\0c"s}).ok());
+  const std::string much(10000, 'x');
+  const pid_t child = startChild([&] {
+    const rlimit limit{4096, 4096};
+    if (signal(SIGXFSZ, SIG_IGN) == SIG_ERR || setrlimit(RLIMIT_FSIZE, &limit) != 0) return 1;
+    if (writeLines(temp.at("to"), {much}).code() != kWriteFailed) return 2;
+    if (copyFile("/proc/self/exe", temp.at("to")).code() != kWriteFailed) return 3;
+    WorkFile work(kept);
+    work.put(much);
+    return work.commit().code() == kWriteFailed ? 0 : 4;
+  });
+  EXPECT_EQ(exitOf(child), 0);
+  EXPECT_EQ(temp.read("kept") + temp.read("kept.temp"), "a\n\nb\n<none>");
 }
 
 TEST(FileUtils, ReadFirstLine) {
   const TempDirectory temp;
   const std::string mebi(1048576, 'x');
-  const std::string chunk(16384, 'x');
-  const std::pair<std::string, std::string> cases[] = {{"", ""},
-                                                       {"name", "name"},
-                                                       {"name\nmore\n", "name"},
-                                                       {"\nname", ""},
-                                                       {"na\0me\n"s, "na"},
-                                                       {"\xff \t\r\n", "\xff \t\r"},
-                                                       {chunk + "y\nz", chunk + "y"},
-                                                       {mebi, mebi}};
+  const std::pair<std::string, std::string> cases[] = {
+      {"", ""}, {"\nab", ""}, {"a\0b\n"s, "a"}, {"\xff \t\r\nx\n", "\xff \t\r"}, {mebi, mebi}};
   std::string line;
   for (const auto& [content, expected] : cases) {
-    EXPECT_TRUE(readFirstLine(temp.write("file", content), &line).ok());
-    EXPECT_TRUE(line == expected) << content.size();
-    EXPECT_TRUE(readFile(temp.at("file"), &line).ok());
-    EXPECT_TRUE(line == content) << content.size();
+    EXPECT_TRUE(readFirstLine(temp.write("file", content), &line).ok() && line == expected);
+    EXPECT_TRUE(readFile(temp.at("file"), &line).ok() && line == content);
   }
-  for (const char* rest : {"x", "x\n"}) {
-    EXPECT_EQ(readFirstLine(temp.write("file", mebi + rest), &line).code(), kReadFailed);
-    EXPECT_EQ(line, "");
-  }
+  EXPECT_EQ(readFirstLine(temp.write("file", mebi + "x\n"), &line).code(), kReadFailed);
 }
 
 // A test that hangs here waits for the other end of the FIFO.
 TEST(FileUtils, UnreadableIsNoContent) {
   const TempDirectory temp;
   ASSERT_EQ(mkfifo(temp.at("fifo").c_str(), 0600), 0);
-  const struct {
-    std::string path;
-    StatusCode code;
-  } cases[] = {
-      {temp.at("none"), kOpenFailed}, {temp.at("fifo"), kReadFailed}, {temp.path(), kReadFailed}};
-  for (const auto& c : cases) {
+  for (const std::string& path : {temp.at("none"), temp.at("fifo"), temp.path(), ""s}) {
     std::string text = "before";
-    EXPECT_EQ(readFirstLine(c.path, &text).code(), c.code);
-    EXPECT_EQ(text, "");
+    EXPECT_TRUE(!readFile(path, &text).ok() && text.empty()) << path;
     text = "before";
-    EXPECT_EQ(readFile(c.path, &text).code(), c.code);
-    EXPECT_EQ(text, "");
-    KeyValueTable table;
-    table.parse("a=b", '=', {});
-    EXPECT_FALSE(readKeyValueFile(c.path, '=', {}, &table));
-    EXPECT_EQ(table.find("a"), -1);
+    EXPECT_TRUE(!readFirstLine(path, &text).ok() && text.empty()) << path;
   }
   EXPECT_EQ(writeLines(temp.at("fifo"), {"x"}).code(), kOpenFailed);
-  ASSERT_EQ(truncate(temp.write("huge", "").c_str(), (64 << 20) + 1), 0);
-  std::string text;
-  EXPECT_EQ(readFile(temp.at("huge"), &text).code(), kReadFailed);
 }
 
 TEST(RemoveTree, RemovesAllAndFollowsNothing) {
@@ -286,36 +138,25 @@ TEST(RemoveTree, RemovesAllAndFollowsNothing) {
   const TempDirectory outside;
   outside.write("keep", "kept");
   for (Status (*operation)(const std::string&) : {removeTree, emptyDirectory}) {
-    for (const char* name : {"tree", "tree/sub", "tree/sub/deep", "tree/empty"}) {
-      ASSERT_TRUE(makeDirectory(temp.at(name), 0755).ok());
-    }
-    temp.write("tree/sub/deep/file", "x");
+    ASSERT_TRUE(makeDirectory(temp.at("tree"), 0755).ok());
+    ASSERT_TRUE(makeDirectory(temp.at("tree/sub"), 0755).ok());
+    temp.write("tree/sub/file", "x");
     ASSERT_EQ(symlink(outside.path().c_str(), temp.at("tree/sub/link").c_str()), 0);
-    ASSERT_EQ(symlink("nowhere", temp.at("tree/dead").c_str()), 0);
     EXPECT_TRUE(operation(temp.at("tree/")).ok());
     EXPECT_EQ(isRealDirectory(temp.at("tree")), operation == emptyDirectory);
     EXPECT_TRUE(operation(temp.at("none")).ok());
+    EXPECT_EQ(operation("").code(), kInvalidArgument);
   }
-  ASSERT_TRUE(listDirectory(temp.at("tree")).subdirectories.empty());
+  EXPECT_TRUE(removeEmptyDirectory(temp.at("tree")).ok());
   ASSERT_EQ(symlink(outside.path().c_str(), temp.at("link").c_str()), 0);
   EXPECT_EQ(emptyDirectory(temp.at("link/")).code(), kOpendirFailed);
-  EXPECT_TRUE(removeTree(temp.at("link/")).ok());
-  EXPECT_EQ(temp.mode("link"), 0U);
-  EXPECT_TRUE(removeTree(temp.write("file", "")).ok());
-  EXPECT_EQ(temp.read("file"), "<none>");
-  EXPECT_EQ(outside.read("keep"), "kept");
-}
+  EXPECT_TRUE(removeTree(temp.at("link/")).ok() && temp.mode("link") == 0);
 
-TEST(RemoveTree, ExchangedDirectoryLeadsNowhere) {
-  const TempDirectory temp;
-  const TempDirectory outside;
-  outside.write("keep", "kept");
+  // A directory that another process exchanges for a link while it is being removed.
   const std::string entry = temp.at("tree/entry");
   const std::string spare = temp.at("spare");
   const pid_t child = startChild([&] {
-    for (;;) {
-      (void)renameat2(AT_FDCWD, entry.c_str(), AT_FDCWD, spare.c_str(), RENAME_EXCHANGE);
-    }
+    for (;;) (void)renameat2(-1, entry.c_str(), -1, spare.c_str(), RENAME_EXCHANGE);
     return 0;
   });
   for (int round = 0; round < 1000; ++round) {
@@ -323,8 +164,7 @@ TEST(RemoveTree, ExchangedDirectoryLeadsNowhere) {
     (void)makeDirectory(entry, 0755);
     (void)removeTree(spare);
     // The child may have come in between; then this round is lost.
-    if (symlink(outside.path().c_str(), spare.c_str()) != 0) continue;
-    (void)removeTree(temp.at("tree"));
+    if (symlink(outside.path().c_str(), spare.c_str()) == 0) (void)removeTree(temp.at("tree"));
   }
   ASSERT_EQ(kill(child, SIGKILL), 0);
   EXPECT_EQ(exitOf(child), -1);
@@ -333,120 +173,55 @@ TEST(RemoveTree, ExchangedDirectoryLeadsNowhere) {
 
 TEST(DirectoryListing, KindsAndTheLinkRule) {
   const TempDirectory temp;
-  const std::string list = temp.at("list");
-  for (const char* name : {"list", "list/dir", "list/.hidden", "target"}) {
-    ASSERT_TRUE(makeDirectory(temp.at(name), 0755).ok());
-  }
-  temp.write("list/file", "");
-  temp.write("list/target", "");
-  ASSERT_EQ(mkfifo((list + "/fifo").c_str(), 0600), 0);
-  const struct {
-    std::string name, target;
-  } links[] = {{"to_file", list + "/file"}, {"to_dir", list + "/dir"}, {"to_fifo", list + "/fifo"},
-               {"dead", "nowhere"},         {"beside", "file"},        {"from_cwd", "target"}};
-  for (const auto& link : links) {
-    ASSERT_EQ(symlink(link.target.c_str(), (list + "/" + link.name).c_str()), 0);
-  }
-  const int old_directory = open(".", O_RDONLY | O_CLOEXEC);
-  ASSERT_EQ(chdir(temp.path().c_str()), 0);
-  const DirectoryListing listing = listDirectory("list");
-  ASSERT_EQ(fchdir(old_directory), 0);
-  close(old_directory);
-  EXPECT_EQ(listing.path, "list");
-  EXPECT_EQ(listing.status.code(), kSuccess);
-  EXPECT_EQ(sorted(listing.subdirectories), (Names{".hidden", "dir"}));
-  EXPECT_EQ(sorted(listing.files), (Names{"file", "target"}));
-  EXPECT_EQ(listing.file_links, (Names{"to_file"}));
-  // A directory by the working directory, though the file beside the link has the same name.
-  EXPECT_EQ(sorted(listing.directory_links), (Names{"from_cwd", "to_dir"}));
-  EXPECT_EQ(sorted(listing.others), (Names{"fifo", "to_fifo"}));
-  EXPECT_EQ(listDirectory(temp.at("list/file")).status.code(), kOpendirFailed);
-  EXPECT_EQ(listDirectory(temp.at("none")).status.code(), kOpendirFailed);
+  ASSERT_EQ(mkdir(temp.at("dir").c_str(), 0755) | mkfifo(temp.at("fifo").c_str(), 0600), 0);
+  ASSERT_EQ(symlink(temp.write("file", "").c_str(), temp.at("to_file").c_str()), 0);
+  ASSERT_EQ(symlink(temp.at("dir").c_str(), temp.at("to_dir").c_str()), 0);
+  // Nothing: a target counts from the working directory, not from the link.
+  ASSERT_EQ(symlink("file", temp.at("beside").c_str()), 0);
+  const DirectoryListing listing = listDirectory(temp.path());
+  EXPECT_EQ(listing.subdirectories, std::vector<std::string>{"dir"});
+  EXPECT_EQ(listing.files, std::vector<std::string>{"file"});
+  EXPECT_EQ(listing.file_links, std::vector<std::string>{"to_file"});
+  EXPECT_EQ(listing.directory_links, std::vector<std::string>{"to_dir"});
+  EXPECT_EQ(listing.others, std::vector<std::string>{"fifo"});
+  EXPECT_EQ(listDirectory(temp.at("file")).status.code(), kOpendirFailed);
 }
 
-TEST(UniqueFile, NamesAndFailures) {
+TEST(UniqueFile, NewNameEachTime) {
   const TempDirectory temp;
-  std::string first = "before";
-  std::string second;
-  const ScopedStream stream = makeUniqueFile(temp.at("base"), &first);
-  ASSERT_NE(stream, nullptr);
-  ASSERT_NE(makeUniqueFile(temp.at("base"), &second), nullptr);
-  EXPECT_NE(first, second);
-  EXPECT_EQ(first.size(), temp.at("base.XXXXXX").size());
-  const std::string made = first.substr(temp.path().size() + 1);
-  EXPECT_EQ(temp.mode(made), 0644U);
-  EXPECT_TRUE(std::fputs("text", stream.get()) >= 0 && std::fflush(stream.get()) == 0);
-  EXPECT_EQ(temp.read(made), "text");
-
-  std::string name = "before";
-  testing::internal::CaptureStderr();
-  EXPECT_EQ(makeUniqueFile(temp.at("none/base"), &name), nullptr);
-  std::string expected;
-  for (int attempt = 0; attempt < 11; ++attempt) {
-    expected +=
-        "E~ fundkit FileUtils makeUniqueFile: failed to open file; error = No such file or "
-        "directory\n";
-  }
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), expected);
-
-  std::string longest = temp.path();
-  while (longest.size() < 4086) longest += "/.";
-  longest += std::string(4088 - longest.size(), '/');
-  testing::internal::CaptureStderr();
-  EXPECT_EQ(makeUniqueFile(longest + "b", &name), nullptr);
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
-  EXPECT_EQ(name, "before");
-  EXPECT_NE(makeUniqueFile(longest, &name), nullptr);
+  std::string names[2];
+  for (auto& name : names) EXPECT_NE(makeUniqueFile(temp.at("base"), &name), nullptr);
+  EXPECT_NE(names[0], names[1]);
 }
 
 TEST(WorkDirectories, FromTheEnvironment) {
-  const struct {
-    const char *value, *directory;
-  } cases[] = {{nullptr, "/tmp/"}, {"", "/tmp/"}, {"/a", "/a/"}, {"/a/", "/a/"}, {"b", "b/"}};
-  for (const auto& c : cases) {
-    EXPECT_EQ(directoryFromEnvironment(c.value, "/tmp/"), c.directory);
-  }
+  EXPECT_EQ(directoryFromEnvironment("/a/", "/tmp/"), "/a/");
+  EXPECT_EQ(directoryFromEnvironment("", "/tmp/"), "/tmp/");
+  EXPECT_EQ(directoryFromEnvironment(nullptr, "/tmp/"), "/tmp/");
   const TempDirectory temp;
-  EXPECT_EQ(inChild([&] {  // The first use in a process decides for its whole life.
-              (void)setenv("VRX_TMP_DIR", temp.at("tmp").c_str(), 1);
-              (void)setenv("VRX_LOCK_DIR", temp.at("lock/").c_str(), 1);
-              if (tempPath("x") != temp.at("tmp/x") || lockPath("y") != temp.at("lock/y")) return 1;
-              if (temp.mode("tmp") != 0750 || temp.mode("lock") != 0750) return 2;
-              (void)unsetenv("VRX_TMP_DIR");
-              const LockFile lock("some/dir\\name", Blocking::kNo);
-              if (!lock.held() || !pathExists(temp.at("lock/name.lock"))) return 3;
-              return temporaryDirectory() == temp.at("tmp/") ? 0 : 4;
-            }),
-            0);
-}
-
-TEST(LockFile, HeldBusyReleased) {
-  const TempDirectory temp;
-  const std::string directory = temp.path() + "/";
-  {
-    const mode_t old_umask = umask(027);
-    const LockFile lock(directory, "n", Blocking::kNo);
-    EXPECT_EQ(umask(old_umask), 027U);
-    EXPECT_TRUE(lock.held());
-    EXPECT_EQ(temp.mode("n.lock"), 0666U);
-    EXPECT_EQ(LockFile(directory, "n", Blocking::kNo).state(), LockState::kBusy);
-    EXPECT_TRUE(pathExists(temp.at("n.lock")));
-    EXPECT_TRUE(LockFile(directory, "m", Blocking::kNo).held());
-  }
-  EXPECT_FALSE(pathExists(temp.at("n.lock")));
-  EXPECT_TRUE(LockFile(directory, "n", Blocking::kYes).held());
+  const pid_t child = startChild([&] {  // The first use decides for the life of a process.
+    if (setenv("VRX_LOCK_DIR", temp.at("lock").c_str(), 1) != 0) return 1;
+    const LockFile lock("some/dir\\name", Blocking::kNo);
+    return lock.held() && pathExists(temp.at("lock/name.lock")) ? 0 : 2;
+  });
+  EXPECT_EQ(exitOf(child), 0);
 }
 
 TEST(LockFile, NeverTwoHolders) {
   const TempDirectory temp;
+  const std::string directory = temp.path() + "/";
+  {
+    const LockFile lock(directory, "n", Blocking::kNo);
+    EXPECT_EQ(LockFile(directory, "n", Blocking::kNo).state(), LockState::kBusy);
+    EXPECT_TRUE(lock.held() && temp.mode("n.lock") == 0666);
+  }
+  EXPECT_FALSE(pathExists(temp.at("n.lock")));
   const auto work = [&] {
     for (int round = 0; round < 400; ++round) {
-      const LockFile lock(temp.path() + "/", "n", Blocking::kYes);
-      const int mark = open(temp.at("mark").c_str(), O_CREAT | O_EXCL | O_CLOEXEC, 0600);
-      if (!lock.held() || mark < 0) return 1;
-      close(mark);
+      const LockFile lock(directory, "n", Blocking::kYes);
+      if (!lock.held() || mkdir(temp.at("mark").c_str(), 0700) != 0) return 1;
       (void)sched_yield();
-      if (unlink(temp.at("mark").c_str()) != 0) return 2;
+      if (rmdir(temp.at("mark").c_str()) != 0) return 2;
     }
     return 0;
   };
@@ -457,132 +232,83 @@ TEST(LockFile, NeverTwoHolders) {
 
 TEST(LockFile, NotTrusted) {
   const TempDirectory temp;
-  const std::string victim = temp.at("victim");
   ASSERT_TRUE(makeDirectory(temp.at("dir"), 0755).ok());
-  ASSERT_EQ(symlink(victim.c_str(), temp.at("dir/link.lock").c_str()), 0);
+  ASSERT_EQ(symlink(temp.at("victim").c_str(), temp.at("dir/link.lock").c_str()), 0);
   ASSERT_EQ(mkfifo(temp.at("dir/fifo.lock").c_str(), 0666), 0);
-  ASSERT_TRUE(makeDirectory(temp.at("dir/sub.lock"), 0755).ok());
   ASSERT_EQ(symlink("dir", temp.at("own").c_str()), 0);
-  ASSERT_EQ(symlink("dir", temp.at("other").c_str()), 0);
-  temp.write("file", "");
   EXPECT_TRUE(LockFile(temp.at("own/"), "n", Blocking::kYes).held());
-  std::vector<std::pair<std::string, std::string>> refused = {{"dir/", ""},     {"dir/", "link"},
-                                                              {"dir/", "fifo"}, {"dir/", "sub"},
-                                                              {"file/", "n"},   {"none/", "n"}};
-  if (geteuid() == 0) {
+  if (geteuid() == 0) {  // For anyone else these two are merely missing.
+    ASSERT_EQ(symlink("dir", temp.at("other").c_str()), 0);
     ASSERT_EQ(lchown(temp.at("other").c_str(), kStranger, 0), 0);
     ASSERT_TRUE(makeDirectory(temp.at("theirs"), 0777).ok());
     ASSERT_EQ(chown(temp.at("theirs").c_str(), kStranger, 0), 0);
-    ASSERT_EQ(symlink("theirs", temp.at("to_theirs").c_str()), 0);
-    for (const char* directory : {"other/", "theirs/", "to_theirs/"}) {
-      refused.emplace_back(directory, "n");
-    }
   }
-  for (const auto& [directory, name] : refused) {
-    EXPECT_EQ(LockFile(temp.at(directory), name, Blocking::kYes).state(), LockState::kUnavailable)
-        << directory << name;
+  const std::pair<const char*, const char*> refused[] = {
+      {"dir/", ""}, {"dir/", "link"}, {"dir/", "fifo"}, {"other/", "n"}, {"theirs/", "n"}};
+  for (const auto& [dir, name] : refused) {
+    const LockFile lock(temp.at(dir), name, Blocking::kYes);
+    EXPECT_EQ(lock.state(), LockState::kUnavailable) << dir << name;
   }
-  EXPECT_FALSE(pathExists(victim));
-  EXPECT_TRUE(listDirectory(temp.at("theirs")).files.empty());
+  EXPECT_FALSE(pathExists(temp.at("victim")));
 }
 
 TEST(WorkFile, CommitAndAbandon) {
   const TempDirectory temp;
   const std::string file = temp.write("file", "old");
+  const uid_t owner = geteuid() == 0 ? kStranger : geteuid();
+  ASSERT_EQ(chown(file.c_str(), owner, getegid()), 0);
   ASSERT_TRUE(changeMode(file, 0606).ok());
-  const bool is_root = geteuid() == 0;
-  ASSERT_TRUE(!is_root || chown(file.c_str(), 1234, 2345) == 0);
-  temp.write("file.temp", "left over by an earlier run, and longer");
+  temp.write("victim", "kept");
+  ASSERT_EQ(symlink("victim", temp.at("file.temp").c_str()), 0);
   {
     WorkFile work(file);
     work.put("abandoned");
     EXPECT_EQ(temp.mode("file.temp"), 0600U);
   }
-  EXPECT_EQ(temp.read("file") + temp.read("file.temp"), "old<none>");
+  EXPECT_EQ(temp.read("file") + temp.read("file.temp") + temp.read("victim"), "old<none>kept");
+  temp.write("file.temp", "left over by an earlier run");
   WorkFile work(file);
   work.put("new\0"s);
-  work.put(std::string(200000, 'x'));
-  EXPECT_EQ(temp.read("file"), "old");
   EXPECT_TRUE(work.commit().ok());
-  EXPECT_EQ(temp.read("file"), "new\0"s + std::string(200000, 'x'));
+  EXPECT_EQ(temp.read("file") + temp.read("file.temp"), "new\0<none>"s);
   EXPECT_EQ(temp.mode("file"), 0606U);
-  EXPECT_EQ(temp.mode("file.temp"), 0U);
   struct stat found {};
-  ASSERT_EQ(stat(file.c_str(), &found), 0);
-  EXPECT_TRUE(!is_root || (found.st_uid == 1234 && found.st_gid == 2345));
-
-  const mode_t old_umask = umask(037);
-  EXPECT_TRUE(WorkFile(temp.at("made")).commit().ok());
-  EXPECT_EQ(umask(old_umask), 037U);
-  EXPECT_EQ(temp.mode("made"), 0640U);
-}
-
-TEST(WorkFile, RefusalsLeaveTheFile) {
-  const TempDirectory temp;
-  const std::string file = temp.write("file", "old");
-  temp.write("victim", "kept");
-  ASSERT_EQ(symlink("victim", temp.at("file.temp").c_str()), 0);
-  WorkFile work(file);
-  work.put("new");
-  EXPECT_TRUE(work.commit().ok());
-  EXPECT_EQ(temp.read("victim") + temp.read("file"), "keptnew");
-  EXPECT_TRUE(isRealDirectory(temp.path()) && temp.mode("file.temp") == 0);
+  EXPECT_TRUE(stat(file.c_str(), &found) == 0 && found.st_uid == owner);
 
   ASSERT_TRUE(makeDirectory(temp.at("file.temp"), 0755).ok());
-  WorkFile blocked(file);
-  EXPECT_EQ(blocked.status().code(), kOpenFailed);
-  blocked.put("lost");
-  EXPECT_EQ(blocked.commit().code(), kOpenFailed);
-  EXPECT_EQ(temp.read("file"), "new");
-  ASSERT_TRUE(makeDirectory(temp.at("dir"), 0755).ok());
-  EXPECT_EQ(WorkFile(temp.at("dir")).commit().code(), kRenameFailed);
-  EXPECT_EQ(temp.mode("dir.temp"), 0U);
+  EXPECT_EQ(WorkFile(file).commit().code(), kOpenFailed);
+  EXPECT_EQ(temp.read("file"), "new\0"s);
+  EXPECT_EQ(WorkFile(temp.at("file.temp")).commit().code(), kRenameFailed);
+  EXPECT_FALSE(pathExists(temp.at("file.temp.temp")));
 }
 
 TEST(LineReader, PiecesAsOfABuffer) {
-  const std::string x7998(7998, 'x');
-  const std::string whole = "\n\na\0b\n"s + x7998 + "\n" + x7998 + "x\n" + x7998 + "xx\n" + "end";
-  std::string joined;
-  std::string sizes;
-  LineReader reader(whole, 8000);
+  std::string pieces;
+  const std::string text = "\n\nab\nabc\nabcd\n\0b\nend"s;
+  LineReader reader(text, 4);
   for (LinePiece piece; reader.next(&piece);) {
-    joined += piece.raw;
-    sizes += std::to_string(piece.raw.size()) + "/" + std::to_string(piece.text.size()) + " ";
+    pieces += std::string(piece.raw) + "/" + std::string(piece.text) + "|";
   }
-  EXPECT_EQ(joined, whole);
-  EXPECT_EQ(sizes, "1/1 1/1 4/1 7999/7999 7999/7999 1/1 7999/7999 2/2 3/3 ");
-  LinePiece none;
-  EXPECT_FALSE(LineReader("", 8000).next(&none));
-  EXPECT_EQ(trimGraphic(" \t\xff! \xff b\x7f\r\n"), "! \xff b");
-  EXPECT_EQ(trimGraphic("\n\x80"), "");
-  EXPECT_EQ(maskNonAscii("a\x7f\x80\xff\tb"), "a\x7f??\tb");
-}
-
-std::string shown(const KeyValueTable& table) {
-  std::string text;
-  for (std::size_t i = 0; i < table.keys().size(); ++i) {
-    text += table.keys()[i] + ":" + table.values()[i] + " ";
-    EXPECT_EQ(table.find(table.keys()[i]), static_cast<int>(i));
-  }
-  return text;
+  EXPECT_EQ(pieces, "\n/\n|\n/\n|ab\n/ab\n|abc/abc|\n/\n|abc/abc|d\n/d\n|\0b\n/|end/end|"s);
 }
 
 TEST(KeyValueFile, Rules) {
   const TempDirectory temp;
+  const std::string x1018(1018, 'x');
+  const std::pair<std::string, std::string> cases[] = {
+      {"none\n=v\n \xff=v\n k\t = v w \xff\r\nz\0=1\nA=1\0x\nc="s, "k:v w A:1 c: "},
+      {"a=1\nb=c=d\nA=0\na=2\nb=3\n", "a:2 b:3 A:0 "},
+      {"long=" + x1018 + "b=4\nlast=5", "long:" + x1018 + " b:4 last:5 "},
+      {"a=1#2#3\nb#=1#2\nc=1", "a:1 b#:1#2 c:1 "}};
   KeyValueTable table;
-  table.parse("old=1", '=', {});
-  const std::string longest(1018, 'x');
-  const std::string file =
-      temp.write("file",
-                 "none\n=v\n \xff=v\n k\t = v w \xff\r\nb=c=d\nz\0=1\nA=1\0x\na=#2\nb=3\nc=\n"s
-                 "long=" +
-                     longest + "b=4\nlast=5");
-  ASSERT_TRUE(readKeyValueFile(file, '=', {}, &table));
-  EXPECT_EQ(shown(table), "k:v w b:4 A:1 a:#2 c: long:" + longest + " last:5 ");
-  EXPECT_EQ(table.find("old"), -1);
-  ASSERT_TRUE(readKeyValueFile(temp.write("file", "a=1#2#3\nb#=1#2\nc=1"), '=', '#', &table));
-  EXPECT_EQ(shown(table), "a:1 b#:1#2 c:1 ");
-  EXPECT_FALSE(readKeyValueFile("", '=', {}, &table));
+  for (const auto& [content, expected] : cases) {
+    ASSERT_TRUE(readKeyValueFile(temp.write("file", content), '=', '#', &table));
+    std::string shown;
+    for (const std::string& key : table.keys()) {
+      shown += key + ":" + table.values()[static_cast<unsigned>(table.find(key))] + " ";
+    }
+    EXPECT_EQ(shown, expected);
+  }
 }
 
 }  // namespace
