@@ -1,0 +1,32 @@
+// Times and durations as counts of microseconds, the clocks that give them, and local time.
+#pragma once
+
+#include <cstdint>
+
+namespace tunadm {
+
+// Microseconds since the Unix epoch; negative before it.
+using TimePoint = std::int64_t;
+
+// Microseconds, of either sign.
+using Duration = std::int64_t;
+
+inline constexpr Duration kMillisecond = 1000;
+inline constexpr Duration kSecond = 1000 * kMillisecond;
+inline constexpr Duration kMinute = 60 * kSecond;
+inline constexpr Duration kHour = 60 * kMinute;
+inline constexpr Duration kDay = 24 * kHour;
+
+// The wall clock: for showing times. Setting the clock moves it in both directions.
+TimePoint currentTime();
+
+// A clock that nobody sets: for measuring intervals. Its start is some point of the past.
+TimePoint monotonicTime();
+
+// Between UTC and the local time of the TZ setting at the time of the call. Deliberate: both use
+// the zone's standard offset in the far future, so daylight saving never counts. A result that
+// does not fit becomes the nearest time point that does.
+TimePoint toLocalTime(TimePoint utc);
+TimePoint toUtc(TimePoint local);
+
+}  // namespace tunadm

@@ -1,0 +1,126 @@
+#include "json/JsonParser.h"
+
+#include <utility>
+
+namespace tunadm {
+
+jsObject* parserinfo::takeResult() { return state_ == kParserFinished ? result_.take() : nullptr; }
+
+void parserinfo::onError(const char* /*message*/) {
+  state_ = kParserFinished;
+  result_.reset();
+}
+
+void parserinfo::onLeftBracket() {
+  if (state_ != kParserWantsValue) return onError("onLeftBracket: wrong state");
+  open(makeArray(), kParserWantsValue);
+}
+
+void parserinfo::onLeftCurly() {
+  if (state_ != kParserWantsValue) return onError("onLeftCurly: wrong state");
+  open(makeObject(), kParserWantsName);
+}
+
+void parserinfo::onRightBracket() {
+  if (open_.empty() || !isArray(open_.back().container)) {
+    return onError("onRightBracket: no open array");
+  }
+  close();
+}
+
+void parserinfo::onRightCurly() {
+  if (open_.empty() || !isObject(open_.back().container)) {
+    return onError("onRightCurly: no open object");
+  }
+  close();
+}
+
+void parserinfo::onComma() {
+  if (state_ == kParserHasElement) {
+    state_ = kParserWantsValue;
+  } else if (state_ == kParserHasMember) {
+    state_ = kParserWantsName;
+  } else {
+    onError("onComma: wrong state");
+  }
+}
+
+void parserinfo::onColon() {
+  if (state_ != kParserWantsColon) return onError("onColon: wrong state");
+  state_ = kParserWantsValue;
+}
+
+void parserinfo::onValue(double number) { addValue(makeNumber(number)); }
+
+void parserinfo::onValue(std::string_view text) {
+  if (state_ == kParserWantsName) return setName(text);
+  addValue(makeString(text));
+}
+
+void parserinfo::onNull() { addValue(makeNull()); }
+
+void parserinfo::onValue(bool boolean) { addValue(makeBoolean(boolean)); }
+
+void parserinfo::onName(std::string_view word) {
+  if (state_ != kParserWantsName) return onError("onName, wrong state");
+  setName(word);
+}
+
+void parserinfo::setName(std::string_view name) {
+  name_ = name;
+  state_ = kParserWantsColon;
+}
+
+// Takes ownership of `value`.
+void parserinfo::addValue(jsObject* value) {
+  ScopedJson owned(value);
+  if (state_ != kParserWantsValue) return onError("onValue: wrong state");
+  if (open_.empty()) {
+    result_ = std::move(owned);
+    state_ = kParserFinished;
+  } else if (isArray(open_.back().container)) {
+    appendValue(open_.back().container, owned.take());
+    state_ = kParserHasElement;
+  } else {
+    addMember(open_.back().container, std::move(owned));
+  }
+}
+
+void parserinfo::addMember(jsObject* object, ScopedJson value) {
+  if (!name_.empty()) {
+    setMember(object, name_, value.take());
+    name_.clear();
+  } else if (!isArray(value.get()) && !isObject(value.get())) {
+    return onError("onValue: no available name for field");
+  }
+  // Deliberate: a container under an empty name is no error; it is only dropped.
+  state_ = kParserHasMember;
+}
+
+void parserinfo::open(jsObject* container, ParserState next) {
+  ScopedJson owned(container);
+  if (!name_.empty()) {
+    setMember(open_.back().container, name_, owned.take());
+    name_.clear();
+  }
+  open_.push_back({container, std::move(owned)});
+  state_ = next;
+}
+
+void parserinfo::close() {
+  OpenContainer closed = std::move(open_.back());
+  open_.pop_back();
+  // A name that an error left unused must not reach a member of another container.
+  name_.clear();
+  state_ = kParserWantsValue;
+  if (closed.owned) return addValue(closed.owned.take());
+  state_ = kParserHasMember;
+}
+
+jsObject* parseJson(const char* text, std::ptrdiff_t length) {
+  parserinfo parser;
+  if (!scanJson(text, length, &parser)) return nullptr;
+  return parser.takeResult();
+}
+
+}  // namespace tunadm

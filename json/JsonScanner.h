@@ -1,0 +1,50 @@
+// The scanner: cuts JSON text into tokens.
+//
+// The language is looser than standard JSON. Bare words are tokens, so that member names need no
+// quotes; a number runs to the next delimiter; unknown escapes are taken. Bytes have no encoding.
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+namespace tunadm {
+
+// What the tokens of a text are handed to, in the order of the text. The views that are passed are
+// good only during the call.
+class TokenReceiver {
+ public:
+  TokenReceiver() = default;
+  TokenReceiver(const TokenReceiver&) = delete;
+  TokenReceiver& operator=(const TokenReceiver&) = delete;
+  virtual ~TokenReceiver() = default;
+
+  // A byte that begins no token. The scan goes on behind it.
+  virtual void onError(const char* message) = 0;
+
+  virtual void onLeftBracket() = 0;
+  virtual void onLeftCurly() = 0;
+  virtual void onRightBracket() = 0;
+  virtual void onRightCurly() = 0;
+  virtual void onComma() = 0;
+  virtual void onColon() = 0;
+  virtual void onValue(double number) = 0;
+
+  // A quoted string, unescaped.
+  virtual void onValue(std::string_view text) = 0;
+
+  // The bare words null, true and false; onName has any other one.
+  virtual void onNull() = 0;
+  virtual void onValue(bool boolean) = 0;
+  virtual void onName(std::string_view word) = 0;
+
+  // A C string would silently become a boolean.
+  void onValue(const char* text) = delete;
+};
+
+// Hands the tokens of `text` to `receiver`. A `length` below zero stands for that of the C string.
+// False, without a call, when `text` is null or empty; otherwise true at the end of the text, also
+// after errors. A string without its closing quote ends the scan silently. Numbers read as by
+// strtod. Takes time linear in the length.
+bool scanJson(const char* text, std::ptrdiff_t length, TokenReceiver* receiver);
+
+}  // namespace tunadm

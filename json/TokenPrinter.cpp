@@ -1,0 +1,53 @@
+#include "json/TokenPrinter.h"
+
+#include <cstdio>
+#include <string>
+
+namespace tunadm {
+
+namespace {
+
+void printItem(const char* item) {
+  (void)std::printf("%s ", item);  // a diagnosis has nobody to tell that it could not be written
+}
+
+}  // namespace
+
+void TokenPrinter::onError(const char* message) {
+  printItem((std::string("error: ") + message).c_str());
+}
+
+void TokenPrinter::onLeftBracket() { printItem("["); }
+
+void TokenPrinter::onLeftCurly() { printItem("{"); }
+
+void TokenPrinter::onRightBracket() { printItem("]"); }
+
+void TokenPrinter::onRightCurly() { printItem("}"); }
+
+void TokenPrinter::onComma() { printItem(","); }
+
+void TokenPrinter::onColon() { printItem(":"); }
+
+void TokenPrinter::onValue(double number) {
+  char text[100];
+  (void)std::snprintf(text, sizeof text, "%f", number);  // deliberate: a longer one is cut
+  printItem(text);
+}
+
+void TokenPrinter::onValue(std::string_view text) {
+  (void)std::printf("\"%s\" ", std::string(text).c_str());  // as in printItem
+}
+
+void TokenPrinter::onNull() { printItem("null"); }
+
+void TokenPrinter::onValue(bool boolean) { printItem(boolean ? "true" : "false"); }
+
+void TokenPrinter::onName(std::string_view word) { printItem(std::string(word).c_str()); }
+
+void printJsonTokens(const char* text, std::ptrdiff_t length) {
+  TokenPrinter printer;
+  (void)scanJson(text, length, &printer);  // nothing to scan is nothing to print
+}
+
+}  // namespace tunadm

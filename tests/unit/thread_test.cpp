@@ -1,0 +1,154 @@
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cstdint>
+#include <fstream>
+#include <mutex>
+#include <string>
+#include <thread>
+
+#include "fundkit/Mutex.h"
+#include "fundkit/ThreadUtils.h"
+
+namespace tunadm {
+namespace {
+
+const TimePoint program_start = monotonicTime();
+// Without a lock of their own: the mutex under test has to keep the threads apart.
+std::string contention, long_hold;
+std::atomic<bool> next_has_lock{true};
+
+// Spins for ten seconds at most, so that a lock that fails does not stop the tests.
+template <typename Condition>
+bool becomesTrue(Condition condition) {
+  for (const TimePoint start = monotonicTime(); monotonicTime() - start < 10 * kSecond;) {
+    if (condition()) return true;
+  }
+  return false;
+}
+
+// Every wait and hold that is noted takes 3 milliseconds at least.
+std::string describe(const std::string& name, const char* holder, Duration threshold,
+                     Duration measured) {
+  const bool right = measured >= 3000 && measured <= monotonicTime() - program_start;
+  return name + "," + holder + "," + std::to_string(threshold) + (right ? "" : " measured wrong");
+}
+
+void noteContention(const char* name, const char* holder, Duration threshold, Duration measured) {
+  contention = describe(name, holder, threshold, measured);
+  next_has_lock = true;
+}
+
+// Where somebody waits, the lock has to become theirs while this runs.
+void noteLongHold(const char* name, const char* holder, Duration threshold, Duration measured) {
+  if (threadName() == "waiter") return;
+  const bool opened = becomesTrue([] { return next_has_lock.load(); });
+  long_hold = opened ? describe(name, holder, threshold, measured) : "lock still taken";
+}
+
+void passTime() {
+  (void)becomesTrue([start = monotonicTime()] { return monotonicTime() - start >= 3000; });
+}
+
+// True while the thread sleeps in the kernel.
+bool isAsleep(pid_t thread) {
+  std::string line;
+  std::ifstream file("/proc/self/task/" + std::to_string(thread) + "/stat");
+  return std::getline(file, line) && line.find(") S ") != std::string::npos;
+}
+
+TEST(ThreadName, TheSystemRefusesLongOnesTheStandInToo) {
+  std::thread([] {
+    EXPECT_TRUE(setThreadName("fifteen bytes !"));
+    for (const char* name : {"sixteen bytes !!", "", static_cast<const char*>(nullptr)}) {
+      EXPECT_FALSE(setThreadName(name));
+      EXPECT_EQ(threadName(), "fifteen bytes !");
+    }
+  }).join();
+}
+
+TEST(Mutex, HoldThresholds) {
+  setContentionHandler(&noteContention);
+  setLongHoldHandler(&noteLongHold);
+  ASSERT_TRUE(setThreadName("holder"));
+  const struct {
+    const char* name;
+    Duration acquire, hold;
+    const char *timed, *portable;
+  } cases[] = {{"a", kDay, 1, "a,holder,1", "a,holder,1"},
+               {"", 0, 500, "<unnamed mutex>,holder,500", ""},
+               {nullptr, kDay, 0, "<unnamed mutex>,holder,0", ""},
+               {"b", kDay, -5, "b,holder,0", ""},
+               {"c", kDay, kDay, "", ""}};
+  const auto reportOf = [](Lockable* mutex) {
+    long_hold.clear();
+    mutex->lock();
+    passTime();
+    mutex->unlock();
+    return long_hold;
+  };
+  for (const auto& c : cases) {
+    TimedMutex timed(c.name, c.acquire, c.hold);
+    PortableMutex portable(c.name, c.acquire, c.hold);
+    EXPECT_EQ(reportOf(&timed), c.timed);
+    EXPECT_EQ(reportOf(&portable), c.portable);
+  }
+}
+
+TEST(Mutex, WarnsOfTheWaiterAndOfTheOneWhoLetItWait) {
+  setContentionHandler(&noteContention);
+  setLongHoldHandler(&noteLongHold);
+  TimedMutex mutex("m", 2000, 2000);
+  std::atomic<pid_t> waiter{0};
+  next_has_lock = false;
+  mutex.lock();
+  std::thread thread([&] {
+    EXPECT_TRUE(setThreadName("waiter"));
+    waiter = gettid();
+    const std::lock_guard<Lockable> hold(mutex);
+  });
+  EXPECT_TRUE(becomesTrue([&] { return waiter != 0 && isAsleep(waiter); }));
+  passTime();
+  mutex.unlock();
+  thread.join();
+  EXPECT_EQ(contention, "m,waiter,2000");
+  EXPECT_EQ(long_hold, "m," + threadName() + ",2000");
+}
+
+TEST(Mutex, KeepsThreadsApart) {
+  PortableMutex plain, watched("w", 1, kDay);
+  for (PortableMutex* mutex : {&plain, &watched}) {
+    int counter = 0;
+    const auto work = [&] {
+      for (int i = 0; i < 2000; ++i) {
+        setContentionHandler(&noteContention);
+        const std::lock_guard<Lockable> hold(*mutex);
+        ++counter;
+      }
+    };
+    std::thread other(work);
+    work();
+    other.join();
+    EXPECT_EQ(counter, 4000);
+  }
+}
+
+TEST(Mutex, DefaultHandlers) {
+  setLongHoldHandler(&noteLongHold);
+  setLongHoldHandler(nullptr);
+  TimedMutex mutex("d", kDay, 0);
+  testing::internal::CaptureStderr();
+  warnOfContention("m", "holder", 1000, 2500);
+  warnOfLongHold("m", "holder", 1000, 2147483648999);
+  mutex.lock();
+  passTime();
+  mutex.unlock();
+  const std::string text = testing::internal::GetCapturedStderr();
+  EXPECT_EQ(text.substr(0, text.rfind(' ')),
+            "lock contention warning, 'm' took 2ms to acquire\n"
+            "lock warning, 'm' held for -2147483648ms\nlock warning, 'd' held for");
+}
+
+}  // namespace
+}  // namespace tunadm
