@@ -97,15 +97,15 @@ TEST(Program, CreatesAndShowsAProfile) {
     EXPECT_EQ(host.run({"profile", "details", selector}).out, kOfficeDetails);
     EXPECT_EQ(host.run({"profile", selector, "details", "--quiet"}).out, kOfficeDetails);
   }
-  EXPECT_EQ(host.run({"list", "profiles", "--verbose"}).out,
+  EXPECT_EQ(host.says("list profiles --verbose"),
             "method: list profiles\nstatus_text: success\nstatus_code: 0x00000001\n"
             "profile-123123: office\n"
             "current_dir: \ncurrent_name: \nroot_dir: /opt/vrx//profiles/\n");
   host.file(".current", "profile-123123\n");
-  EXPECT_EQ(host.run({"show", "profiles"}).out,
+  EXPECT_EQ(host.says("show profiles"),
             "profile-123123: office\ncurrent_dir: profile-123123\ncurrent_name: office\n"
             "root_dir: /opt/vrx//profiles/\n");
-  EXPECT_EQ(host.run({"profile", "details", "--active", "--verbose"}).out,
+  EXPECT_EQ(host.says("profile details --active --verbose"),
             "method: profile details\nstatus_text: success\nstatus_code: 0x00000001\n" +
                 std::string(kOfficeDetails));
 }
@@ -120,7 +120,7 @@ TEST(Program, InterfacesAreThoseOfTheHost) {
 TEST(Program, FactoryDetailsLeaveOutTheEmptyHelmsman) {
   TestHost host;
   host.factory();
-  EXPECT_EQ(host.run({"profile", "details", ".factory"}).out,
+  EXPECT_EQ(host.says("profile details .factory"),
             "details:\nprofile_name=.factory\nprofile_dir=.factory\nnetwork=auto\n"
             "deviceID=device-1\noverlay_device_ip=1.2.3.4\noverlay_mask=255.0.0.0\ninvitation=\n"
             "log_level=info\n");
@@ -136,7 +136,7 @@ TEST(Program, NoSuchProfile) {
     EXPECT_EQ(outcome.out, failure("profile not found", "0x12001001")) << selector;
     EXPECT_EQ(outcome.exit, 0);
   }
-  EXPECT_EQ(host.run({"profile", "details", "b", "--quiet"}).out, "status_code: 0x12001001\n");
+  EXPECT_EQ(host.says("profile details b --quiet"), "status_code: 0x12001001\n");
   ASSERT_EQ(rename("/opt/vrx/profiles", "/opt/vrx/elsewhere"), 0);
   for (const Words& words : {Words{"list", "profiles"}, {"profile", "details", "a"}}) {
     EXPECT_EQ(host.run(words).out, failure("application error", "0x12000001"));
@@ -166,8 +166,7 @@ TEST(Create, ChoosesAFreeNameAndDirectory) {
   EXPECT_EQ(host.read("profile-123126/profile_name"), "office#2\n");
   // The directory of the refused one stays, and the next listing names it.
   EXPECT_TRUE(host.exists("profile-123130"));
-  EXPECT_NE(host.run({"list", "profiles"}).out.find("profile-123130: profile#3\n"),
-            std::string::npos);
+  EXPECT_NE(host.says("list profiles").find("profile-123130: profile#3\n"), std::string::npos);
 }
 
 TEST(Create, SettingsByWhatIsGiven) {
@@ -264,11 +263,11 @@ TEST(Diagnostics, LogVersionsAndBundle) {
   };
   for (const auto& c : cases) EXPECT_EQ(host.run(c.words).out, c.out);
   host.file("/opt/vrx/bin/vrx-sendbundle.sh", "#!/bin/sh\necho bundled\n", 0755);
-  EXPECT_EQ(host.run({"support", "bundle"}).out, "bundled\n");
+  EXPECT_EQ(host.says("support bundle"), "bundled\n");
   ASSERT_EQ(unlink("/opt/vrx/profiles/.factory/firmware_revision"), 0);
-  EXPECT_EQ(host.run({"list", "versions"}).out, "hipapp_version: \ntunadm_version: 2.2\n");
+  EXPECT_EQ(host.says("list versions"), "hipapp_version: \ntunadm_version: 2.2\n");
   host.file(".factory/firmware_revision", std::string(1100000, 'x'));
-  EXPECT_EQ(host.run({"list", "versions"}).out, "hipapp_version: 2.2\ntunadm_version: 2.2\n");
+  EXPECT_EQ(host.says("list versions"), "hipapp_version: 2.2\ntunadm_version: 2.2\n");
 }
 
 TEST(Lock, IsNotTakenFromADirectoryThatSomebodyElseOwns) {

@@ -139,26 +139,25 @@ TEST(Service, OrdinaryUsersAreRefused) {
   EXPECT_EQ(host.calls(), Calls());
   // What activate needs is up to the marker's mode and the init system.
   host.file("/tmp/calls", "", 0666);
-  EXPECT_EQ(host.run({"profile", "activate", "dir=two"}, RunAs::kOrdinaryUser).out,
-            "profile_name: two\n");
+  EXPECT_EQ(host.says("profile activate dir=two", RunAs::kOrdinaryUser), "profile_name: two\n");
   EXPECT_EQ(host.calls(), (Calls{kStop, kStart}));
 }
 
 TEST(Service, WhatTheChildsEndMeans) {
   const std::string signalled = failure("child process terminated by a signal", "0x16001002");
   TestHost host;
-  EXPECT_EQ(host.run({"service", "start"}).out, kNonzero) << "no init system";
-  EXPECT_EQ(host.run({"service", "start", "sys=systemd"}).out, kNonzero) << "no such program";
+  EXPECT_EQ(host.says("service start"), kNonzero) << "no init system";
+  EXPECT_EQ(host.says("service start sys=systemd"), kNonzero) << "no such program";
   host.standIn("/bin/systemctl").file("/tmp/stand-in-end", "exit 7\nsignal 15\n");
-  EXPECT_EQ(host.run({"service", "start", "sys=systemd"}).out, kNonzero);
-  EXPECT_EQ(host.run({"service", "restart", "full", "sys=systemd"}).out, signalled);
+  EXPECT_EQ(host.says("service start sys=systemd"), kNonzero);
+  EXPECT_EQ(host.says("service restart full sys=systemd"), signalled);
   EXPECT_EQ(host.calls().size(), 2u);
 }
 
 TEST(Service, TheChildsOutputComesFirst) {
   ServiceHost host;
   host.file("/tmp/stand-in-output", "from the child\n");
-  EXPECT_EQ(host.run({"service", "start", "--verbose"}).out,
+  EXPECT_EQ(host.says("service start --verbose"),
             "from the child\nmethod: service start\nstatus_text: success\n"
             "status_code: 0x00000001\n");
 }
@@ -210,11 +209,10 @@ TEST(ServiceStatus, Branches) {
     EXPECT_EQ(static_cast<int>(found.tunnel), c.tunnel) << c.text;
   }
   host.status("one", 0, "hipd_state=x\npeers.count=2\nhelmsman.up=no\n");
-  EXPECT_EQ(host.run({"service", "status"}, RunAs::kOrdinaryUser).out,
+  EXPECT_EQ(host.says("service status", RunAs::kOrdinaryUser),
             "running: true\nhelmsman: false\ntunnel: true\n");
   host.file(".current", "two\n");
-  EXPECT_EQ(host.run({"service", "status"}).out,
-            "running: false\nhelmsman: false\ntunnel: false\n");
+  EXPECT_EQ(host.says("service status"), "running: false\nhelmsman: false\ntunnel: false\n");
 }
 
 TEST(Activate, CallsByProfileAndDaemon) {
@@ -242,16 +240,15 @@ TEST(Activate, CallsByProfileAndDaemon) {
 TEST(Activate, FailuresDoNotLeaveTheServiceStopped) {
   ServiceHost host;
   EXPECT_EQ(host.run({"profile", "activate", ""}).out, failure("invalid argument", "0x10000003"));
-  EXPECT_EQ(host.run({"profile", "activate", "three"}).out,
-            failure("profile not found", "0x12001001"));
+  EXPECT_EQ(host.says("profile activate three"), failure("profile not found", "0x12001001"));
   EXPECT_EQ(host.calls(), Calls());
   host.file("/tmp/stand-in-end", "signal 9\nexit 0\n");
-  EXPECT_EQ(host.run({"profile", "activate", "two"}).out,
+  EXPECT_EQ(host.says("profile activate two"),
             failure("child process terminated by a signal", "0x16001002"));
   EXPECT_EQ(host.read(".current"), "two\n");
   ASSERT_EQ(unlink("/opt/vrx/profiles/.current"), 0);
   host.file(".current/in-its-place", "");
-  EXPECT_EQ(host.run({"profile", "activate", "one"}).out, kApplication);
+  EXPECT_EQ(host.says("profile activate one"), kApplication);
   EXPECT_EQ(host.calls(), (Calls{kStop, kStart, kStop, kStart}));
 }
 
@@ -285,10 +282,10 @@ TEST(Delete, Refusals) {
   for (const char* selector : {".factory", "dir=.factory", ".current"}) {
     EXPECT_EQ(host.run({"profile", "delete", selector}).out, invalid) << selector;
   }
-  EXPECT_EQ(host.run({"profile", "delete", "--active"}).out, kRefusedRunning);
-  EXPECT_EQ(host.run({"profile", "delete", "two"}, RunAs::kOrdinaryUser).out, kRefusedUser);
+  EXPECT_EQ(host.says("profile delete --active"), kRefusedRunning);
+  EXPECT_EQ(host.says("profile delete two", RunAs::kOrdinaryUser), kRefusedUser);
   host.file(".current", ".factory\n");
-  EXPECT_EQ(host.run({"profile", "delete", "--active"}).out, invalid);
+  EXPECT_EQ(host.says("profile delete --active"), invalid);
   EXPECT_TRUE(host.exists("one/hip.conf") && host.exists("two/hip.conf") &&
               host.exists(".factory/hip.conf"));
 }
@@ -297,10 +294,10 @@ TEST(Delete, NothingIsMadeUpForAFailure) {
   ServiceHost host;
   host.file("one/busy/x", "");
   ASSERT_EQ(mount("none", "/opt/vrx/profiles/one/busy", "tmpfs", 0, nullptr), 0);
-  EXPECT_EQ(host.run({"profile", "delete", "one"}).out, kApplication);
+  EXPECT_EQ(host.says("profile delete one"), kApplication);
   ASSERT_EQ(umount("/opt/vrx/profiles/one/busy") + unlink("/opt/vrx/profiles/.current"), 0);
   host.file(".current/in-its-place", "");
-  EXPECT_EQ(host.run({"profile", "delete", "dir=one"}).out, "");
+  EXPECT_EQ(host.says("profile delete dir=one"), "");
   EXPECT_FALSE(host.exists("profile-123123")) << "two is left";
 }
 
@@ -309,12 +306,12 @@ TEST(Delete, TheLastOneIsReplaced) {
   host.file("one/ca-certs/deep/x", "").file("/tmp/kept", "outside");
   ASSERT_EQ(symlink("/tmp", "/opt/vrx/profiles/one/peer_certs"), 0);
   ASSERT_EQ(symlink("nowhere", "/opt/vrx/profiles/one/dead"), 0);
-  EXPECT_EQ(host.run({"profile", "delete", "one"}).out, "");
+  EXPECT_EQ(host.says("profile delete one"), "");
   EXPECT_EQ(host.read(".current"), "two\n");
   EXPECT_EQ(host.read("/tmp/kept"), "outside");
   EXPECT_FALSE(host.exists("one"));
-  EXPECT_EQ(host.run({"profile", "delete", "--active"}).out, "");
-  EXPECT_EQ(host.run({"list", "profiles"}).out,
+  EXPECT_EQ(host.says("profile delete --active"), "");
+  EXPECT_EQ(host.says("list profiles"),
             "profile-123123: profile\ncurrent_dir: two\ncurrent_name: two\n"
             "root_dir: /opt/vrx//profiles/\n");
   EXPECT_EQ(host.read("profile-123123/mapconfig.static"), "map_uri=\n");
@@ -355,17 +352,15 @@ TEST(Modify, ChangesOnlyWhatIsGiven) {
   host.file("two/endbox.conf", endbox).file("two/hip.conf", "x\n");
   host.file("two/mapconfig.static", "map_uri=http://old:1/path\n", 0600);
   host.file("two/sadb.state", "").file("two/peers", "").file("two/kept", "");
-  EXPECT_EQ(host.run({"profile", "modify", "two"}).out.rfind("details:\nprofile_name=two\n", 0),
-            0u);
+  EXPECT_EQ(host.says("profile modify two").rfind("details:\nprofile_name=two\n", 0), 0u);
   EXPECT_EQ(host.read("two/endbox.conf"), endbox);
   EXPECT_EQ(host.read("two/hip.conf"), "x\n");
   EXPECT_EQ(host.read("two/mapconfig.static"), "map_uri=http://old:1/path\n");
   EXPECT_FALSE(host.exists("two/sadb.state") || host.exists("two/peers"));
   EXPECT_TRUE(host.exists("two/kept"));
 
-  EXPECT_EQ(host.run({"profile", "modify", "two", "helmsman=:9000", "log_level=WARN",
-                      "network=auto", "invitation=###", "new_name=three", "activate"})
-                .out,
+  EXPECT_EQ(host.says("profile modify two helmsman=:9000 log_level=WARN network=auto "
+                      "invitation=### new_name=three activate"),
             "details:\nprofile_name=three\nhelmsman=old:9000\nprofile_dir=two\nnetwork=auto\n"
             "deviceID=\noverlay_device_ip=\noverlay_mask=\ninvitation=\nlog_level=warning\n");
   EXPECT_EQ(host.read("two/endbox.conf"), "# mine\nlog_level=warning\nopenhip.log_level=warning\n");
@@ -393,46 +388,41 @@ TEST(Modify, ChangesOnlyWhatIsGiven) {
 
 TEST(Modify, FailuresAndTheirOrder) {
   ServiceHost host(Daemon::kUp);
-  EXPECT_EQ(host.run({"profile", "modify", "three"}, RunAs::kOrdinaryUser).out,
+  EXPECT_EQ(host.says("profile modify three", RunAs::kOrdinaryUser),
             failure("profile not found", "0x12001001"));
   EXPECT_EQ(host.run({"profile", "modify", "two", "new_name=a\nb"}, RunAs::kOrdinaryUser).out,
             kRefusedUser);
-  EXPECT_EQ(host.run({"profile", "modify", "two", "new_name=one", "helmsman=h"}).out,
+  EXPECT_EQ(host.says("profile modify two new_name=one helmsman=h"),
             failure("invalid argument (invalid profile name)", "0x10000003"));
   for (const char* value : {"helmsman=a\nb", "network=a\nb", "invitation=a\nb"}) {
     EXPECT_EQ(host.run({"profile", "modify", "two", value}).out,
               failure("invalid argument (value holds a line break)", "0x10000003"));
   }
   EXPECT_FALSE(host.exists("two/mapconfig.static") || host.exists("two/endbox.conf"));
-  EXPECT_EQ(host.run({"profile", "modify", "two", "helmsman=:1"}).out, kApplication);
-  EXPECT_EQ(
-      host.run({"profile", "modify", "two", "helmsman=h", "log_level=verbose", "network=eth1"}).out,
-      failure("application error (invalid log_level value)", "0x12000001"));
+  EXPECT_EQ(host.says("profile modify two helmsman=:1"), kApplication);
+  EXPECT_EQ(host.says("profile modify two helmsman=h log_level=verbose network=eth1"),
+            failure("application error (invalid log_level value)", "0x12000001"));
   EXPECT_EQ(host.read("two/mapconfig.static"), "map_uri=https://h:8096\n");
   EXPECT_EQ(host.read("two/hip.conf"), "");
   // The refused reset of a running profile shows unless a network or name comes after it.
-  EXPECT_EQ(host.run({"profile", "modify", "one", "invitation=x"}).out, kRefusedRunning);
+  EXPECT_EQ(host.says("profile modify one invitation=x"), kRefusedRunning);
   EXPECT_EQ(host.read("one/endbox.conf"), "activation_code=x\n");
-  EXPECT_EQ(
-      host.run({"profile", "modify", "one", "network=eth1", "--quiet"}).out.rfind("details:", 0),
-      0u);
+  EXPECT_EQ(host.says("profile modify one network=eth1 --quiet").rfind("details:", 0), 0u);
   EXPECT_TRUE(host.exists("one/hipvars.txt"));
   host.file("two/endbox.conf/in-its-place", "");
-  EXPECT_EQ(host.run({"profile", "modify", "two", "log_level=info"}).out, kApplication);
+  EXPECT_EQ(host.says("profile modify two log_level=info"), kApplication);
 }
 
 TEST(Modify, RestartAroundTheChange) {
   {
     ServiceHost host(Daemon::kUp);
-    EXPECT_EQ(
-        host.run({"profile", "modify", "one", "invitation=x", "activate"}).out.rfind("details:", 0),
-        0u);
+    EXPECT_EQ(host.says("profile modify one invitation=x activate").rfind("details:", 0), 0u);
     EXPECT_EQ(host.calls(), (Calls{kStop, kStart}));
     EXPECT_FALSE(host.exists("one/hipvars.txt")) << "the stopped daemon's state is cleared";
   }
   {
     ServiceHost host(Daemon::kDown);
-    EXPECT_EQ(host.run({"profile", "modify", "one", "activate"}).out.rfind("details:", 0), 0u);
+    EXPECT_EQ(host.says("profile modify one activate").rfind("details:", 0), 0u);
     EXPECT_EQ(host.calls(), Calls{kStart});
   }
   const struct {
@@ -457,9 +447,9 @@ TEST(Reset, RemovesStateFilesOfAStoppedProfile) {
   const Words files = {"m2_cache", "sadb.state", "hip.state", "peers", "map.state", "hipvars.txt"};
   for (const std::string& file : files) host.file("two/" + file, "");
   host.file("one/peers", "");
-  EXPECT_EQ(host.run({"support", "reset", "one"}).out, kRefusedRunning);
+  EXPECT_EQ(host.says("support reset one"), kRefusedRunning);
   EXPECT_TRUE(host.exists("one/peers"));
-  EXPECT_EQ(host.run({"support", "reset", "two"}).out, "profile_name: two\n");
+  EXPECT_EQ(host.says("support reset two"), "profile_name: two\n");
   for (const std::string& file : files) EXPECT_FALSE(host.exists("two/" + file)) << file;
   EXPECT_TRUE(host.exists("two/hip.conf"));
 }
@@ -528,7 +518,7 @@ TEST(Concurrency, FriendlyNamesStayUnique) {
     mix.push_back({"profile", "modify", "dir=profile-123140", "network=eth" + std::to_string(n)});
   }
   runTogether(host, mix);
-  const std::string listed = host.run({"list", "profiles"}).out;
+  const std::string listed = host.says("list profiles");
   EXPECT_EQ(std::count(listed.begin(), listed.end(), '\n'), 24 + 3) << listed;
   EXPECT_EQ(host.read("profile-123140/hip.conf").rfind("master_interface=eth", 0), 0u);
 }

@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 
 namespace tunadm {
 
@@ -148,6 +149,11 @@ Outcome TestHost::run(const std::vector<std::string>& words, RunAs user,
   std::vector<std::string> with_program = {"/usr/sbin/tunadm"};
   with_program.insert(with_program.end(), words.begin(), words.end());
   return runProgram(with_program, user, environment);
+}
+
+std::string TestHost::says(const std::string& line, RunAs user) const {
+  std::istringstream stream(line);
+  return run({std::istream_iterator<std::string>(stream), {}}, user).out;
 }
 
 Outcome TestHost::runProgram(const std::vector<std::string>& words, RunAs user,

@@ -57,6 +57,8 @@ class TestHost {
   // gave no root it owns root's files all the same, so only a missing mode bit shuts it out.
   Outcome run(const std::vector<std::string>& words, RunAs user = RunAs::kRoot,
               const std::vector<std::string>& environment = {}) const;
+  // What tunadm prints for a command line, split at its blanks.
+  std::string says(const std::string& line, RunAs user = RunAs::kRoot) const;
   Outcome runProgram(const std::vector<std::string>& words, RunAs user = RunAs::kRoot,
                      const std::vector<std::string>& environment = {}) const;
 
