@@ -36,17 +36,8 @@ Lines forwardModel(const std::string& path, std::size_t max_lines, LogLevel thre
 // NUL bytes, levels of every spelling, and perhaps no last line feed.
 std::string randomLog(std::mt19937* random) {
   const auto below = [random](std::size_t limit) { return (*random)() % limit; };
-  const char* const starts[] = {"",
-                                "E~ x",
-                                "  [error] x",
-                                "W~",
-                                "\x80"
-                                "FATAL",
-                                "notice",
-                                "info later",
-                                "T~ trace",
-                                "\t ",
-                                "DEBUGS"};
+  const char* const starts[] = {"",       "E~ x",       "  [error] x", "W~",  "\x80 FATAL",
+                                "notice", "info later", "T~ trace",    "\t ", "DEBUGS"};
   const std::size_t lengths[] = {0, 1, 80, 4090, 4094, 4095, 4096, 8190, 12000, 262143, 300000};
   const char* const ends[] = {"\n", "\n", "\r\n", " \n", "\n\n"};
   std::string text;
