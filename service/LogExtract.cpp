@@ -19,7 +19,7 @@ namespace {
 
 // What fgets with a buffer of 4,096 bytes reads at most.
 constexpr off_t kPieceSize = 4095;
-constexpr std::size_t kWindowSize = 256 * 1024;
+constexpr std::size_t kWindowSize = std::size_t{256} * 1024;
 
 // A part of the file in memory. What has been cut off the file since the start is not there.
 class Window {

@@ -121,7 +121,7 @@ TEST(Mutex, KeepsThreadsApart) {
   for (PortableMutex* mutex : {&plain, &watched}) {
     int counter = 0;
     const auto work = [&] {
-      for (int i = 0; i < 2000; ++i) {
+      for (int i = 0; i < 100000; ++i) {
         setContentionHandler(&noteContention);
         const std::lock_guard<Lockable> hold(*mutex);
         ++counter;
@@ -130,7 +130,7 @@ TEST(Mutex, KeepsThreadsApart) {
     std::thread other(work);
     work();
     other.join();
-    EXPECT_EQ(counter, 4000);
+    EXPECT_EQ(counter, 200000);
   }
 }
 
