@@ -127,6 +127,7 @@ void defaultAssertFailure(const char* file, int line, const char* message) {
                       message == nullptr ? "<no message>" : message);
   writeOutput(STDERR_FILENO, text);
   TUNADM_LOG(fundkitLogger(), kLogError, "BasicLog", "defaultAssertFailure", text);
+  (void)std::signal(SIGILL, SIG_DFL);  // An ignored one would let the process go on.
   (void)std::raise(SIGILL);
 }
 

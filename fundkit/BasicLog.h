@@ -100,7 +100,7 @@ constexpr std::string_view sourceFileName(std::string_view path) {
 // TUNADM_LOG(logger, kLogError, "FileUtils", "makeUniqueFile", "failed to open file")
 //     .detail("error = %s", strerror(error));
 // Neither texts nor details are evaluated when the logger is not enabled for the level; logger and
-// level are evaluated more than once.
+// level are evaluated more than once. Behind an `if`, put it in braces.
 #define TUNADM_LOG(logger, level, module, function, text) \
   if (!(logger).enabled(level)) {                         \
   } else                                                  \

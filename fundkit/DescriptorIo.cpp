@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <ctime>
 
 namespace tunadm {
 
@@ -56,13 +57,19 @@ bool writeAll(int descriptor, std::string_view text) {
 }
 
 void writeOutput(int descriptor, std::string_view text) {
-  struct sigaction ignore {};
-  struct sigaction before {};
-  ignore.sa_handler = SIG_IGN;
-  // Only for this write: children inherit what is ignored.
-  const bool changed = sigaction(SIGPIPE, &ignore, &before) == 0;
+  // SIGPIPE goes to the thread that writes, so holding it back there is enough, and disturbs
+  // neither other threads nor children.
+  sigset_t pipe_signal;
+  sigset_t before;
+  sigset_t pending;
+  (void)sigemptyset(&pipe_signal);  // None of these four can fail: the arguments are constants.
+  (void)sigaddset(&pipe_signal, SIGPIPE);
+  (void)sigpending(&pending);
+  (void)pthread_sigmask(SIG_BLOCK, &pipe_signal, &before);
   (void)writeAll(descriptor, text);  // There is nowhere left to report a failure.
-  if (changed) (void)sigaction(SIGPIPE, &before, nullptr);  // Cannot fail: it was valid before.
+  const timespec at_once{};
+  if (sigismember(&pending, SIGPIPE) == 0) (void)sigtimedwait(&pipe_signal, nullptr, &at_once);
+  (void)pthread_sigmask(SIG_SETMASK, &before, nullptr);
 }
 
 void fillStandardDescriptors() {

@@ -1,11 +1,14 @@
 #include "fundkit/Mutex.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <atomic>
 #include <cstdint>
-#include <cstdio>
+#include <string>
 #include <utility>
 
+#include "fundkit/DescriptorIo.h"
 #include "fundkit/ThreadUtils.h"
 
 namespace tunadm {
@@ -79,17 +82,16 @@ void setLongHoldHandler(LockWarningHandler handler) {
   long_hold_handler.store(handler == nullptr ? &warnOfLongHold : handler);
 }
 
-// Standard error has no buffer: each line goes out in one piece. Nowhere left to report a failure.
 void warnOfContention(const char* mutex_name, const char* /*holder*/, Duration /*threshold*/,
                       Duration measured) {
-  (void)fprintf(stderr, "lock contention warning, '%s' took %dms to acquire\n", mutex_name,
-                wholeMilliseconds(measured));
+  writeOutput(STDERR_FILENO, std::string("lock contention warning, '") + mutex_name + "' took " +
+                                 std::to_string(wholeMilliseconds(measured)) + "ms to acquire\n");
 }
 
 void warnOfLongHold(const char* mutex_name, const char* /*holder*/, Duration /*threshold*/,
                     Duration measured) {
-  (void)fprintf(stderr, "lock warning, '%s' held for %dms\n", mutex_name,
-                wholeMilliseconds(measured));
+  writeOutput(STDERR_FILENO, std::string("lock warning, '") + mutex_name + "' held for " +
+                                 std::to_string(wholeMilliseconds(measured)) + "ms\n");
 }
 
 }  // namespace tunadm

@@ -99,7 +99,7 @@ TEST(Mutex, HoldThresholds) {
 TEST(Mutex, WarnsOfTheWaiterAndOfTheOneWhoLetItWait) {
   setContentionHandler(&noteContention);
   setLongHoldHandler(&noteLongHold);
-  TimedMutex mutex("m", 2000, 2000);
+  TimedMutex mutex("m", 2000, 1000);
   std::atomic<pid_t> waiter{0};
   next_has_lock = false;
   mutex.lock();
@@ -113,7 +113,7 @@ TEST(Mutex, WarnsOfTheWaiterAndOfTheOneWhoLetItWait) {
   mutex.unlock();
   thread.join();
   EXPECT_EQ(contention, "m,waiter,2000");
-  EXPECT_EQ(long_hold, "m," + threadName() + ",2000");
+  EXPECT_EQ(long_hold, "m," + threadName() + ",1000");
 }
 
 TEST(Mutex, KeepsThreadsApart) {
