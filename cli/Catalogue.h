@@ -15,8 +15,8 @@ namespace tunadm {
 struct CommandEntry {
   std::string_view name;         // also the method name that --verbose shows
   std::string_view placeholder;  // of the leading positional value, with its leading blank
-  std::string_view description;  // empty, like the summary, for commands without a help page
-  std::string_view summary;      // of a few words, for lists of commands
+  std::string_view description;  // empty for commands without a help page
+  std::string_view summary;      // for lists of commands; empty for those that stand in none
   ScopedPtr<TunadmCommandInstance> (*make)(std::string_view method, const CommandWords& words);
 };
 

@@ -131,9 +131,9 @@ std::string summaryLine(std::string_view name, std::string_view summary) {
 
 void appendSummaries(std::span<const SummaryEntry> entries, HelpLines* lines) {
   for (const SummaryEntry& entry : entries) {
-    const bool own = !entry.summary.empty();
-    lines->push_back(
-        summaryLine(entry.name, own ? entry.summary : findCommand(entry.name).summary));
+    const std::string_view summary =
+        entry.summary.empty() ? findCommand(entry.name).summary : entry.summary;
+    lines->push_back(summaryLine(entry.name, summary));
   }
 }
 
@@ -255,7 +255,7 @@ HelpLines referencePage() {
 void printReference() {
   HelpLines lines = referencePage();
   lines.insert(lines.end(), std::begin(kReferenceTrailer), std::end(kReferenceTrailer));
-  for (const std::string& line : lines) std::puts(line.c_str());
+  for (const std::string& line : lines) (void)std::puts(line.c_str());  // nowhere to report to
 }
 
 }  // namespace tunadm

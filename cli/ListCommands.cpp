@@ -24,8 +24,8 @@ std::string readApplicationVersion() {
   std::string path;
   std::string version;
   (void)profileFile(kFactoryName, kRevisionFile, &path);  // neither name is empty
-  if (!isRegularFile(path) || readFirstLine(path, &version).ok()) return version;
-  return std::string(kTunadmVersion);
+  if (!readFirstLine(path, &version).ok() && isRegularFile(path)) version = kTunadmVersion;
+  return version;
 }
 
 }  // namespace

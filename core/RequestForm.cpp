@@ -1,7 +1,6 @@
 #include "core/RequestForm.h"
 
 #include <string>
-#include <string_view>
 
 #include "core/CommandCore.h"
 
@@ -10,8 +9,7 @@ namespace tunadm {
 Status buildRequest(int count, const char* const* words, ScopedJson* request) {
   if (count < 3) return Status(kInvalidCommand);
   request->reset(makeObject());
-  setStringMember(request->get(), "method",
-                  std::string_view(std::string(words[1]) + " " + words[2]));
+  setStringMember(request->get(), "method", std::string(words[1]) + " " + words[2]);
   for (int i = 3; i < count; ++i) addWordAsMember(request->get(), words[i]);
   ScopedJson arguments(makeArray());
   for (int i = 1; i < count; ++i) appendString(arguments.get(), words[i]);

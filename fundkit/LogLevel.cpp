@@ -24,6 +24,13 @@ bool beginsWithName(std::string_view text, std::string_view name) {
   return true;
 }
 
+// True for the first byte of any name, and for the bracket that may stand before one. It decides
+// about nearly all lines of a log that begin otherwise.
+bool mayBeginName(char byte) {
+  constexpr std::string_view kFirstBytes = "TDINWEFPCA[";
+  return kFirstBytes.find(upperAscii(byte)) != std::string_view::npos;
+}
+
 // True when trimming the end would leave nothing. Stops at the first byte that shows something.
 bool isBlankToEnd(std::string_view text) {
   for (const char byte : text) {
@@ -73,6 +80,7 @@ int loglevel_to_syslog(LogLevel level) {
 
 LogLevel parseLevel(std::string_view text) {
   while (!text.empty() && text[0] != '\0' && !isGraphic(text[0])) text.remove_prefix(1);
+  if (text.empty() || !mayBeginName(text[0])) return kLogInfo;
   for (const LogLevelDescriptor& entry : kLogLevels) {
     if (beginsWithName(text, entry.short_name)) return &entry;
   }

@@ -51,7 +51,7 @@ int loglevel_to_syslog(LogLevel level);
 // The level that `text` begins with, as a short name ("w~") or as a full name that may stand in
 // brackets ("[Error] ..."), without regard to case or to leading bytes that show nothing. A NUL
 // byte ends the text. INFO for null, for a text of such bytes only and for everything unknown.
-// Looks at the start of the text only and allocates nothing.
+// Reads no further than what decides, and allocates nothing.
 LogLevel parseLevel(std::string_view text);
 LogLevel parseLevel(const char* text);
 

@@ -43,6 +43,7 @@ class parserinfo : public TokenReceiver {
   void onRightCurly() override;
   void onComma() override;
   void onColon() override;
+  using TokenReceiver::onValue;  // keeps the deleted one in sight
   void onValue(double number) override;
   void onValue(std::string_view text) override;
   void onNull() override;

@@ -20,6 +20,7 @@ class TokenPrinter final : public TokenReceiver {
   void onRightCurly() override;
   void onComma() override;
   void onColon() override;
+  using TokenReceiver::onValue;  // keeps the deleted one in sight
   void onValue(double number) override;
   void onValue(std::string_view text) override;
   void onNull() override;

@@ -262,6 +262,15 @@ TEST(Diagnostics, LogVersionsAndBundle) {
       {{"json", "{}", "extra"}, "invalid command arguments\n"},
   };
   for (const auto& c : cases) EXPECT_EQ(host.run(c.words).out, c.out);
+  std::string log;
+  for (int i = 1; i <= 80; ++i) log += "line " + std::to_string(i) + "\n";
+  host.file("a/hip.log", log);
+  const std::string last_fifty = log.substr(log.find("line 31\n")) + "profile_name: office\n";
+  EXPECT_EQ(host.says("list log office"), last_fifty);
+  EXPECT_EQ(host.says("list log office max_lines=-1"), last_fifty);
+  EXPECT_EQ(host.says("list log office max_lines=200000"), log + "profile_name: office\n");
+  host.file("/opt/vrx/bin/vrx-sendbundle.sh", "#!/bin/sh\nexit 3\n", 0755);
+  EXPECT_EQ(host.says("support bundle"), failure("application error", "0x12000001"));
   host.file("/opt/vrx/bin/vrx-sendbundle.sh", "#!/bin/sh\necho bundled\n", 0755);
   EXPECT_EQ(host.says("support bundle"), "bundled\n");
   ASSERT_EQ(unlink("/opt/vrx/profiles/.factory/firmware_revision"), 0);

@@ -6,6 +6,7 @@
 #include "cli/HelpPages.h"
 #include "core/RequestForm.h"
 #include "json/JsonPrinter.h"
+#include "json/ScopedJson.h"
 
 namespace tunadm {
 namespace {
@@ -55,6 +56,53 @@ const char kSupport[] =
     "    'support reset' clean temporary data from a profile\n"
     "    'support bundle' generate a support bundle\n";
 
+const char kProfile[] =
+    "tunadm help for 'profile' commands:\n"
+    "    'profile activate' designates which profile is currently active\n"
+    "    'profile create' makes a new profile\n"
+    "    'profile delete' removes a profile\n"
+    "    'profile rename' changes the user-friendly name attached to a profile\n"
+    "    'profile modify' changes any of the profile details\n"
+    "    'profile details' displays configured profile settings\n";
+
+const char kService[] =
+    "tunadm help for 'service' commands:\n"
+    "    'service start' runs the HIP background process\n"
+    "    'service stop' ends the background process\n"
+    "    'service restart' stops and restarts the background process\n"
+    "    'service status' displays the current process status\n";
+
+const char kList[] =
+    "tunadm help for 'list' commands:\n"
+    "    'list profiles' displays a list of the configured profiles\n"
+    "    'list interfaces' displays network interfaces available on the machine\n"
+    "    'list versions' displays version numbers for the software\n"
+    "    'list log' displays an excerpt of the active HIP log\n";
+
+TEST(Help, EachCommandHasItsPage) {
+  for (const HelpLines& words : {HelpLines{"profile", "create"},
+                                 {"profile", "activate"},
+                                 {"profile", "delete"},
+                                 {"profile", "details"},
+                                 {"profile", "modify"},
+                                 {"service", "start"},
+                                 {"service", "stop"},
+                                 {"service", "status"},
+                                 {"list", "interfaces"},
+                                 {"list", "profiles"},
+                                 {"list", "log"},
+                                 {"support", "reset"},
+                                 {"support", "bundle"}}) {
+    const std::string start = "\nNAME\n" + words[0] + " " + words[1] + " - ";
+    EXPECT_EQ(help(words).substr(0, start.size()), start);
+  }
+  EXPECT_EQ(joined(usagePage()),
+            "tunadm usage:\n"
+            "    <command name> <command-specific params> [--quiet | --verbose]\n    help\n"
+            "    help <category>\n    help <command name>\n    reference\n"
+            "    json <request object>\n");
+}
+
 TEST(Help, WordsLeadToPages) {
   const struct {
     HelpLines words;
@@ -63,8 +111,10 @@ TEST(Help, WordsLeadToPages) {
                {{"nonsense"}, kGeneral},
                {{"settings"}, kGeneral},
                {{"profile", "rename"}, kRename},
-               {{"profile", "rename", "x"}, help({"profile"})},
-               {{"profiles", "rename"}, help({"profile"})},
+               {{"profile", "rename", "x"}, kProfile},
+               {{"profiles", "rename"}, kProfile},
+               {{"services"}, kService},
+               {{"show"}, kList},
                {{"service", "restart"}, kRestart},
                {{"services", "bounce", "x"}, kRestart},
                {{"support", "nonsense"}, kSupport},

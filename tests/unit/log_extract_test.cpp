@@ -2,8 +2,11 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <iterator>
 #include <random>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "fundkit/LineReader.h"
