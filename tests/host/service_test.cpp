@@ -380,9 +380,9 @@ TEST(Modify, ChangesOnlyWhatIsGiven) {
   for (const auto& [given, level] : levels) {
     EXPECT_EQ(host.run({"profile", "modify", "dir=two", std::string("log_level=") + given}).exit,
               0);
-    const std::string written = level;
-    EXPECT_EQ(host.read("two/endbox.conf"),
-              "# mine\nlog_level=" + written + "\nopenhip.log_level=" + written + "\n");
+    std::string expected = "# mine\nlog_level=";
+    expected.append(level).append("\nopenhip.log_level=").append(level).append("\n");
+    EXPECT_EQ(host.read("two/endbox.conf"), expected);
   }
 }
 
@@ -470,6 +470,7 @@ int exitOf(pid_t child) {
 
 void runTogether(const TestHost& host, const std::vector<Words>& lines) {
   std::vector<pid_t> children;
+  children.reserve(lines.size());
   for (const Words& words : lines) children.push_back(runInBackground(host, words));
   for (const pid_t child : children) EXPECT_EQ(exitOf(child), 0);
 }
