@@ -1,7 +1,6 @@
 // Arrays: reading and changing them.
 #include <string_view>
 #include <utility>
-#include <vector>
 
 #include "json/JsonNode.h"
 #include "json/JsonValue.h"
@@ -67,7 +66,7 @@ void setAt(jsObject* array, std::size_t index, jsObject* value) {
 
 jsObject* takeAt(jsObject* array, std::size_t index) {
   if (index >= arraySize(array)) return nullptr;
-  std::vector<jsObject*>& elements = array->elements();
+  auto& elements = array->elements();
   jsObject* taken = elements[index];
   elements.erase(elements.begin() + static_cast<std::ptrdiff_t>(index));
   return taken;

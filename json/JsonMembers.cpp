@@ -24,46 +24,41 @@ std::size_t JsonMembers::find(std::string_view name) const {
     const auto found = index_->find(name);
     return found == index_->end() ? kNone : *found;
   }
-  for (std::size_t position = 0; position < names_.size(); ++position) {
-    if (names_[position] == name) return position;
+  for (std::size_t position = 0; position < list_.size(); ++position) {
+    if (list_[position].name.view() == name) return position;
   }
   return kNone;
 }
 
 void JsonMembers::makeIndex() {
-  index_.reset(new NameIndex(4 * kMostUnindexed, NameHash{&names_}, NameEqual{&names_}));
-  for (std::size_t position = 0; position < names_.size(); ++position) index_->insert(position);
+  index_ = std::make_unique<NameIndex>(4 * kMostUnindexed, NameHash{&list_}, NameEqual{&list_});
+  for (std::size_t position = 0; position < list_.size(); ++position) index_->insert(position);
 }
 
 void JsonMembers::append(std::string_view name, jsObject* value) {
-  if (names_.empty()) {
-    names_.reserve(kFirstCapacity);
-    values_.reserve(kFirstCapacity);
-  }
-  names_.emplace_back(name);
-  values_.push_back(value);
+  if (list_.empty()) list_.reserve(kFirstCapacity);
+  list_.push_back({JsonText(name), value});
   if (index_) {
-    index_->insert(names_.size() - 1);
-  } else if (names_.size() > kMostUnindexed) {
+    index_->insert(list_.size() - 1);
+  } else if (list_.size() > kMostUnindexed) {
     makeIndex();
   }
 }
 
 jsObject* JsonMembers::replace(std::size_t position, jsObject* value) {
-  return std::exchange(values_[position], value);
+  return std::exchange(list_[position].value, value);
 }
 
 jsObject* JsonMembers::remove(std::size_t position) {
-  const std::size_t last = names_.size() - 1;
+  const std::size_t last = list_.size() - 1;
   if (index_) {
     // Both leave the index under the names they have now; the moved one comes back under its own.
     index_->erase(position);
     index_->erase(last);
   }
-  jsObject* removed = std::exchange(values_[position], values_[last]);
-  std::swap(names_[position], names_[last]);
-  names_.pop_back();
-  values_.pop_back();
+  jsObject* const removed = list_[position].value;
+  if (position != last) list_[position] = std::move(list_[last]);
+  list_.pop_back();
   if (index_ && position != last) index_->insert(position);
   return removed;
 }

@@ -2,30 +2,37 @@
 #pragma once
 
 #include <cstddef>
-#include <string>
+#include <memory>
 #include <string_view>
 #include <unordered_set>
 #include <vector>
 
-#include "json/ScopedRelease.h"
+#include "json/JsonPool.h"
+#include "json/JsonText.h"
 
 namespace tunadm {
 
 class jsObject;
 
+struct JsonMember {
+  JsonText name;
+  jsObject* value;
+};
+
 // Unique names, each with a value that this class does not own, in the order of their coming except
 // after a removal. Past a few members it also keeps an index of the names, so that large objects
 // are built and searched without comparing every name with every other.
-class JsonMembers {
+class JsonMembers : public JsonPooled {
  public:
+  using MemberList = std::vector<JsonMember, JsonAllocator<JsonMember>>;
+
   static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 
   JsonMembers() = default;
   JsonMembers(const JsonMembers&) = delete;
   JsonMembers& operator=(const JsonMembers&) = delete;
 
-  const std::vector<std::string>& names() const { return names_; }
-  const std::vector<jsObject*>& values() const { return values_; }
+  const MemberList& list() const { return list_; }
 
   // kNone when there is no such name.
   std::size_t find(std::string_view name) const;
@@ -44,25 +51,26 @@ class JsonMembers {
   struct NameHash {
     using is_transparent = void;
     std::size_t operator()(std::string_view name) const;
-    std::size_t operator()(std::size_t position) const { return (*this)((*names)[position]); }
-    const std::vector<std::string>* names;
+    std::size_t operator()(std::size_t position) const {
+      return (*this)((*list)[position].name.view());
+    }
+    const MemberList* list;
   };
   struct NameEqual {
     using is_transparent = void;
     bool operator()(std::size_t left, std::size_t right) const { return left == right; }
     bool operator()(std::string_view left, std::size_t right) const {
-      return left == (*names)[right];
+      return left == (*list)[right].name.view();
     }
     bool operator()(std::size_t left, std::string_view right) const { return (*this)(right, left); }
-    const std::vector<std::string>* names;
+    const MemberList* list;
   };
   using NameIndex = std::unordered_set<std::size_t, NameHash, NameEqual>;
 
   void makeIndex();
 
-  std::vector<std::string> names_;
-  std::vector<jsObject*> values_;
-  ScopedPtr<NameIndex> index_;  // empty while the object is small
+  MemberList list_;
+  std::unique_ptr<NameIndex> index_;  // empty while the object is small
 };
 
 }  // namespace tunadm

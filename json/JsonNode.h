@@ -1,17 +1,24 @@
-// The layout of a value. Only the files of this folder that implement JsonValue.h look at it.
+// The layout of a value. Only the sources of this folder look at it.
 #pragma once
 
-#include <string>
+#include <cstddef>
 #include <string_view>
 #include <vector>
 
 #include "json/JsonMembers.h"
+#include "json/JsonPool.h"
+#include "json/JsonText.h"
 #include "json/JsonValue.h"
 
 namespace tunadm {
 
+// The elements of one array, which this does not own.
+struct JsonElements : JsonPooled {
+  std::vector<jsObject*, JsonAllocator<jsObject*>> list;
+};
+
 // Owns its payload, but not the values that an array or object points to: releaseJson frees those.
-class jsObject {
+class jsObject : public JsonPooled {
  public:
   // Null, or an empty array or object.
   explicit jsObject(JsonKind kind);
@@ -23,24 +30,34 @@ class jsObject {
   ~jsObject();
 
   JsonKind kind() const { return kind_; }
+  bool isContainer() const { return kind_ == kJsonArray || kind_ == kJsonObject; }
 
   // Each only for a value of its kind.
   bool boolean() const { return boolean_; }
   double number() const { return number_; }
-  const std::string& text() const { return text_; }
-  const std::vector<jsObject*>& elements() const { return elements_; }
-  std::vector<jsObject*>& elements() { return elements_; }
+  const JsonText& text() const { return text_; }
+  const auto& elements() const { return elements_->list; }
+  auto& elements() { return elements_->list; }
   const JsonMembers& members() const { return *members_; }
   JsonMembers& members() { return *members_; }
+
+  // The values in a container of either kind.
+  std::size_t childCount() const {
+    return kind_ == kJsonArray ? elements().size() : members().list().size();
+  }
+  jsObject* child(std::size_t index) const {
+    return kind_ == kJsonArray ? elements()[index] : members().list()[index].value;
+  }
 
  private:
   JsonKind kind_;
   union {
     bool boolean_;
     double number_;
-    std::string text_;
-    std::vector<jsObject*> elements_;
-    JsonMembers* members_;  // apart, as it would triple the size of every value
+    JsonText text_;
+    // Apart, as they would make every value twice as large.
+    JsonElements* elements_;
+    JsonMembers* members_;
   };
 };
 

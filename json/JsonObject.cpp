@@ -1,5 +1,4 @@
 // Objects: reading and changing them.
-#include <string>
 #include <string_view>
 
 #include "json/AsciiCase.h"
@@ -17,20 +16,20 @@ std::size_t positionOf(const jsObject* object, std::string_view name) {
 }  // namespace
 
 std::size_t objectSize(const jsObject* object) {
-  return isObject(object) ? object->members().values().size() : 0;
+  return isObject(object) ? object->members().list().size() : 0;
 }
 
 std::string_view memberName(const jsObject* object, std::size_t index) {
   if (index >= objectSize(object)) return std::string_view();
-  return object->members().names()[index];
+  return object->members().list()[index].name.view();
 }
 
 const jsObject* memberValue(const jsObject* object, std::size_t index) {
-  return index < objectSize(object) ? object->members().values()[index] : nullptr;
+  return index < objectSize(object) ? object->members().list()[index].value : nullptr;
 }
 
 jsObject* memberValue(jsObject* object, std::size_t index) {
-  return index < objectSize(object) ? object->members().values()[index] : nullptr;
+  return index < objectSize(object) ? object->members().list()[index].value : nullptr;
 }
 
 std::ptrdiff_t findMember(const jsObject* object, std::string_view name) {
@@ -41,8 +40,8 @@ std::ptrdiff_t findMember(const jsObject* object, std::string_view name) {
 std::ptrdiff_t findMemberIgnoringCase(const jsObject* object, std::string_view name) {
   if (!isObject(object) || name.empty()) return -1;
   std::ptrdiff_t index = 0;
-  for (const std::string& candidate : object->members().names()) {
-    if (equalIgnoringCase(candidate, name)) return index;
+  for (const JsonMember& member : object->members().list()) {
+    if (equalIgnoringCase(member.name.view(), name)) return index;
     ++index;
   }
   return -1;

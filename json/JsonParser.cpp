@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "json/JsonNode.h"
+
 namespace tunadm {
 
 jsObject* parserinfo::takeResult() { return state_ == kParserFinished ? result_.take() : nullptr; }
@@ -73,27 +75,29 @@ void parserinfo::setName(std::string_view name) {
 
 // Takes ownership of `value`.
 void parserinfo::addValue(jsObject* value) {
-  ScopedJson owned(value);
-  if (state_ != kParserWantsValue) return onError("onValue: wrong state");
+  if (state_ != kParserWantsValue) {
+    releaseJson(value);
+    return onError("onValue: wrong state");
+  }
   if (open_.empty()) {
-    result_ = std::move(owned);
+    result_.reset(value);
     state_ = kParserFinished;
-  } else if (isArray(open_.back().container)) {
-    appendValue(open_.back().container, owned.take());
+  } else if (jsObject* const container = open_.back().container; container->kind() == kJsonArray) {
+    container->elements().push_back(value);
     state_ = kParserHasElement;
   } else {
-    addMember(open_.back().container, std::move(owned));
+    addMember(container, value);
   }
 }
 
-void parserinfo::addMember(jsObject* object, ScopedJson value) {
-  if (!name_.empty()) {
-    setMember(object, name_, value.take());
-    name_.clear();
-  } else if (!isArray(value.get()) && !isObject(value.get())) {
-    return onError("onValue: no available name for field");
-  }
+// Takes ownership of `value`.
+void parserinfo::addMember(jsObject* object, jsObject* value) {
+  const bool container = value->isContainer();
+  const bool named = !name_.empty();
+  setMember(object, name_, value);
+  name_.clear();
   // Deliberate: a container under an empty name is no error; it is only dropped.
+  if (!named && !container) return onError("onValue: no available name for field");
   state_ = kParserHasMember;
 }
 

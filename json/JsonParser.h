@@ -60,7 +60,7 @@ class parserinfo : public TokenReceiver {
 
   void setName(std::string_view name);
   void addValue(jsObject* value);
-  void addMember(jsObject* object, ScopedJson value);
+  void addMember(jsObject* object, jsObject* value);
   void open(jsObject* container, ParserState next);
   void close();
 

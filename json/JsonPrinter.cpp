@@ -1,11 +1,13 @@
 #include "json/JsonPrinter.h"
 
+#include <charconv>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <string_view>
 #include <utility>
+
+#include "json/JsonNode.h"
 
 namespace tunadm {
 
@@ -58,28 +60,35 @@ void printString(std::string_view text, std::string* out) {
 void printNumber(double number, std::string* out) {
   constexpr double kNear = 1e-5;
   constexpr std::size_t kBufferSize = 500;  // the longest, -DBL_MAX, takes 317
+  constexpr int kDecimals = 6;
+  char buffer[kBufferSize];
   const double raised = number + 0.5;
   // Beyond these the conversion to an integer would be undefined; NaN fails both comparisons.
   if (raised > -2147483649.0 && raised < 2147483648.0) {
     const std::int32_t rounded = static_cast<std::int32_t>(raised);
     if (std::fabs(rounded - number) < kNear) {
-      out->append(std::to_string(rounded));
+      out->append(buffer, std::to_chars(buffer, buffer + kBufferSize, rounded).ptr);
       return;
     }
   }
-  char buffer[kBufferSize];
-  const int length = std::snprintf(buffer, sizeof buffer, "%f", number);
-  out->append(buffer, static_cast<std::size_t>(length));
+  // The same digits as from "%f".
+  const auto printed =
+      std::to_chars(buffer, buffer + kBufferSize, number, std::chars_format::fixed, kDecimals);
+  out->append(buffer, printed.ptr);
 }
 
-void printScalar(const jsObject* value, std::string* out) {
-  if (isString(value)) return printString(stringView(value), out);
-  if (isNumber(value)) return printNumber(numberValue(value), out);
-  if (isBoolean(value)) {
-    out->append(booleanValue(value) ? "true" : "false");
-    return;
+void printScalar(const jsObject& value, std::string* out) {
+  switch (value.kind()) {
+    case kJsonString:
+      return printString(value.text().view(), out);
+    case kJsonNumber:
+      return printNumber(value.number(), out);
+    case kJsonBoolean:
+      out->append(value.boolean() ? "true" : "false");
+      return;
+    default:
+      out->append("null");
   }
-  out->append("null");
 }
 
 // A container whose opening is printed, and the child to go on with.
@@ -89,11 +98,19 @@ struct OpenContainer {
 };
 
 // Opens a container, to be finished by the caller of `open`; prints anything else whole.
-void printStart(const jsObject* value, std::string* out, std::vector<OpenContainer>* open) {
-  const bool is_object = isObject(value);
-  if (!is_object && !isArray(value)) return printScalar(value, out);
-  out->append(is_object ? "{ " : "[ ");
-  open->push_back({value, 0});
+void printStart(const jsObject& value, std::string* out, std::vector<OpenContainer>* open) {
+  if (!value.isContainer()) return printScalar(value, out);
+  out->append(value.kind() == kJsonObject ? "{ " : "[ ");
+  open->push_back({&value, 0});
+}
+
+// Prints what comes before the child at `index`.
+void printSeparator(const jsObject& container, std::size_t index, std::string* out) {
+  if (index != 0) out->append(", ");
+  if (container.kind() != kJsonObject) return;
+  // Deliberate: the name is not escaped, and no blank follows the colon.
+  out->push_back('"');
+  out->append(container.members().list()[index].name.view()).append("\":");
 }
 
 }  // namespace
@@ -102,24 +119,19 @@ void printJson(const jsObject* value, std::string* out) {
   if (value == nullptr) return;
   // A list of the open containers instead of recursion: a tree may be deeper than the stack.
   std::vector<OpenContainer> open;
-  printStart(value, out, &open);
+  printStart(*value, out, &open);
   while (!open.empty()) {
-    const jsObject* container = open.back().container;
+    const jsObject& container = *open.back().container;
     const std::size_t index = open.back().next++;
-    const bool is_object = isObject(container);
-    const std::size_t size = is_object ? objectSize(container) : arraySize(container);
-    if (index == size) {
-      // The opening of an empty container brought its only blank.
-      out->append(size == 0 ? "" : " ").append(is_object ? "}" : "]");
-      open.pop_back();
+    if (index < container.childCount()) {
+      printSeparator(container, index, out);
+      printStart(*container.child(index), out, &open);
       continue;
     }
-    if (index != 0) out->append(", ");
-    if (is_object) {
-      // Deliberate: the name is not escaped, and no blank follows the colon.
-      out->append("\"").append(memberName(container, index)).append("\":");
-    }
-    printStart(is_object ? memberValue(container, index) : arrayAt(container, index), out, &open);
+    // The opening of an empty container brought its only blank.
+    if (index != 0) out->push_back(' ');
+    out->push_back(container.kind() == kJsonObject ? '}' : ']');
+    open.pop_back();
   }
 }
 

@@ -1,13 +1,24 @@
 #include "json/JsonScanner.h"
 
+#include <algorithm>
+#include <charconv>
+#include <cstdint>
 #include <cstdlib>
+#include <limits>
 #include <string>
+#include <system_error>
 
 namespace tunadm {
 
 namespace {
 
 bool isLetter(char byte) { return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z'); }
+
+bool isWordByte(char byte) { return isLetter(byte) || byte == '.' || byte == '_'; }
+
+bool endsPlainText(char byte) { return byte == '"' || byte == '\\'; }
+
+bool isDigit(char byte) { return byte >= '0' && byte <= '9'; }
 
 bool isBlank(char byte) { return byte == ' ' || byte == '\t' || byte == '\n' || byte == '\r'; }
 
@@ -51,100 +62,124 @@ void unescape(std::string_view content, std::string* out) {
   }
 }
 
+// As strtod. The plain forms are left to from_chars, which is several times as fast and agrees with
+// it on them; hexadecimal digits, a plus sign and what overflows are not among them.
+double toNumber(std::string_view token) {
+  const char* const end = token.data() + token.size();
+  const std::size_t sign = token.front() == '-' ? 1 : 0;
+  if (token.size() > sign && isDigit(token[sign])) {
+    double number = 0;
+    const auto [stop, error] = std::from_chars(token.data(), end, number);
+    if (error == std::errc() && (stop == end || (*stop | 0x20) != 'x')) return number;
+  }
+  // strtod needs an end to stop at, and the text need not have one.
+  return std::strtod(std::string(token).c_str(), nullptr);
+}
+
 class Scanner {
  public:
-  Scanner(std::string_view text, TokenReceiver* receiver) : text_(text), receiver_(*receiver) {}
+  Scanner(std::string_view text, TokenReceiver* receiver)
+      : next_(text.data()), end_(text.data() + text.size()), receiver_(*receiver) {}
 
   void run() {
-    while (position_ < text_.size()) scanToken();
+    while (next_ != end_) scanToken();
   }
 
  private:
-  // Each begins at position_ and leaves it behind the token.
+  // Each begins at next_ and leaves it behind the token.
   void scanToken();
-  void scanPunctuation(char byte);
+  void take(void (TokenReceiver::*token)());
+  void scanOther();
   void scanString();
   void scanNumber();
   void scanWord();
 
-  std::string_view text_;
+  const char* next_;
+  const char* end_;
   TokenReceiver& receiver_;
-  std::size_t position_ = 0;
-  std::string buffer_;  // for what cannot be passed on as it stands in the text
+  std::string buffer_;  // for a string that cannot be passed on as it stands in the text
 };
 
 void Scanner::scanToken() {
-  const char byte = text_[position_];
-  if (isBlank(byte)) {
-    ++position_;
-  } else if (byte == '"') {
-    scanString();
-  } else if (byte == '-' || byte == '+' || byte == '.' || (byte >= '0' && byte <= '9')) {
-    scanNumber();
-  } else if (isLetter(byte)) {
-    scanWord();
-  } else {
-    ++position_;
-    scanPunctuation(byte);
+  switch (*next_) {
+    case ' ':
+    case '\t':
+    case '\n':
+    case '\r':
+      ++next_;
+      return;
+    case '"':
+      return scanString();
+    case '[':
+      return take(&TokenReceiver::onLeftBracket);
+    case '{':
+      return take(&TokenReceiver::onLeftCurly);
+    case ']':
+      return take(&TokenReceiver::onRightBracket);
+    case '}':
+      return take(&TokenReceiver::onRightCurly);
+    case ',':
+      return take(&TokenReceiver::onComma);
+    case ':':
+      return take(&TokenReceiver::onColon);
+    default:
+      return scanOther();
   }
 }
 
-void Scanner::scanPunctuation(char byte) {
-  switch (byte) {
-    case '[':
-      return receiver_.onLeftBracket();
-    case '{':
-      return receiver_.onLeftCurly();
-    case ']':
-      return receiver_.onRightBracket();
-    case '}':
-      return receiver_.onRightCurly();
-    case ',':
-      return receiver_.onComma();
-    case ':':
-      return receiver_.onColon();
-    default:
-      return receiver_.onError("scanner error");
-  }
+void Scanner::take(void (TokenReceiver::*token)()) {
+  ++next_;
+  (receiver_.*token)();
+}
+
+void Scanner::scanOther() {
+  const char byte = *next_;
+  if (byte == '-' || byte == '+' || byte == '.' || isDigit(byte)) return scanNumber();
+  if (isLetter(byte)) return scanWord();
+  ++next_;
+  receiver_.onError("scanner error");
 }
 
 void Scanner::scanString() {
-  const std::size_t begin = position_ + 1;
-  std::size_t end = begin;
-  bool escapes = false;
-  while (end < text_.size() && text_[end] != '"') {
-    if (text_[end] == '\\') {
-      escapes = true;
-      ++end;  // also over a quote
-    }
-    ++end;
+  const char* const begin = next_ + 1;
+  const char* stop = std::find_if(begin, end_, endsPlainText);
+  const bool escapes = stop != end_ && *stop == '\\';
+  while (stop < end_ && *stop != '"') {
+    stop += *stop == '\\' ? 2 : 1;  // over a quote too
   }
-  if (end >= text_.size()) {
-    position_ = text_.size();
+  if (stop >= end_) {
+    next_ = end_;
     return;
   }
-  position_ = end + 1;
-  const std::string_view content = text_.substr(begin, end - begin);
+  next_ = stop + 1;
+  const std::string_view content(begin, static_cast<std::size_t>(stop - begin));
   if (!escapes) return receiver_.onValue(content);
   unescape(content, &buffer_);
   receiver_.onValue(std::string_view(buffer_));
 }
 
 void Scanner::scanNumber() {
-  const std::size_t begin = position_;
-  while (position_ < text_.size() && !endsNumber(text_[position_])) ++position_;
-  // strtod needs an end to stop at, and the text need not have one.
-  buffer_.assign(text_, begin, position_ - begin);
-  receiver_.onValue(std::strtod(buffer_.c_str(), nullptr));
+  const char* const begin = next_;
+  const char* const digits = begin + (*begin == '-' ? 1 : 0);
+  std::uint64_t whole = 0;
+  for (next_ = digits; next_ != end_ && isDigit(*next_); ++next_) {
+    whole = 10 * whole + static_cast<std::uint64_t>(*next_ - '0');
+  }
+  const std::ptrdiff_t length = next_ - digits;
+  if (length > 0 && length <= std::numeric_limits<double>::digits10 &&
+      (next_ == end_ || endsNumber(*next_))) {
+    // Most numbers are whole and short, and read by now.
+    const auto number = static_cast<double>(whole);
+    return receiver_.onValue(digits == begin ? number : -number);
+  }
+  next_ = std::find_if(next_, end_, endsNumber);
+  receiver_.onValue(toNumber(std::string_view(begin, static_cast<std::size_t>(next_ - begin))));
 }
 
 void Scanner::scanWord() {
-  const std::size_t begin = position_;
-  while (position_ < text_.size() &&
-         (isLetter(text_[position_]) || text_[position_] == '.' || text_[position_] == '_')) {
-    ++position_;
-  }
-  const std::string_view word = text_.substr(begin, position_ - begin);
+  const char* const begin = next_;
+  next_ = std::find_if_not(begin, end_, isWordByte);
+  const std::string_view word(begin, static_cast<std::size_t>(next_ - begin));
   if (word == "null") return receiver_.onNull();
   if (word == "true") return receiver_.onValue(true);
   if (word == "false") return receiver_.onValue(false);

@@ -2,8 +2,9 @@
 // files.
 #include "json/JsonValue.h"
 
-#include <new>
-#include <string>
+#include <cmath>
+#include <cstddef>
+#include <functional>
 #include <vector>
 
 #include "json/JsonNode.h"
@@ -12,53 +13,31 @@ namespace tunadm {
 
 namespace {
 
-// Made at first use, so that they are there for static initialisers too.
-jsObject* sharedNull() {
-  static jsObject shared(kJsonNull);
-  return &shared;
-}
+enum SharedPlace : std::size_t {
+  kPlaceOfNull,
+  kPlaceOfFalse,
+  kPlaceOfTrue,
+  kPlaceOfNumbers,
+  kPlaceOfEmptyString = kPlaceOfNumbers + 4,
+  kSharedCount,
+};
 
-jsObject* sharedBoolean(bool boolean) {
-  static jsObject shared[] = {jsObject(false), jsObject(true)};
-  return &shared[boolean ? 1 : 0];
-}
+constexpr double kLeastSharedNumber = -1;
+constexpr double kGreatestSharedNumber = 2;
 
-constexpr std::size_t kSharedNumberCount = 4;
-
-jsObject (&sharedNumbers())[kSharedNumberCount] {
-  static jsObject shared[kSharedNumberCount] = {jsObject(-1.0), jsObject(0.0), jsObject(1.0),
-                                                jsObject(2.0)};
-  return shared;
-}
-
-jsObject* sharedEmptyString() {
-  static jsObject shared{std::string_view()};
-  return &shared;
+// Made at first use, so that they are there for static initialisers too. Their place in this table
+// is what a release knows them by.
+jsObject* sharedValues() {
+  static jsObject values[kSharedCount] = {
+      jsObject(kJsonNull), jsObject(false), jsObject(true), jsObject(-1.0),
+      jsObject(0.0),       jsObject(1.0),   jsObject(2.0),  jsObject(std::string_view())};
+  return values;
 }
 
 bool isShared(const jsObject* value) {
-  switch (value->kind()) {
-    case kJsonNull:
-    case kJsonBoolean:
-      return true;
-    case kJsonNumber:
-      for (const jsObject& shared : sharedNumbers()) {
-        if (value == &shared) return true;
-      }
-      return false;
-    case kJsonString:
-      return value == sharedEmptyString();
-    default:
-      return false;
-  }
-}
-
-bool isContainer(const jsObject* value) {
-  return value->kind() == kJsonArray || value->kind() == kJsonObject;
-}
-
-const std::vector<jsObject*>& children(const jsObject* container) {
-  return container->kind() == kJsonArray ? container->elements() : container->members().values();
+  const jsObject* const first = sharedValues();
+  const std::less<> before;
+  return !before(value, first) && before(value, first + kSharedCount);
 }
 
 bool hasKind(const jsObject* value, JsonKind kind) {
@@ -73,7 +52,7 @@ jsObject* copyWithoutChildren(const jsObject* value) {
     case kJsonNumber:
       return makeNumber(value->number());
     case kJsonString:
-      return makeString(value->text());
+      return makeString(value->text().view());
     case kJsonArray:
       return makeArray();
     case kJsonObject:
@@ -83,16 +62,22 @@ jsObject* copyWithoutChildren(const jsObject* value) {
   }
 }
 
+// A container whose children before `next` are gone.
+struct OpenContainer {
+  jsObject* container;
+  std::size_t next;
+};
+
 struct CopyStep {
   const jsObject* source;
   jsObject* copy;
 };
 
 void copyChildren(const CopyStep& step, std::vector<CopyStep>* pending) {
-  const std::vector<jsObject*>& sources = children(step.source);
-  for (std::size_t index = 0; index < sources.size(); ++index) {
-    jsObject* copy = copyWithoutChildren(sources[index]);
-    if (isContainer(copy)) pending->push_back({sources[index], copy});
+  for (std::size_t index = 0; index < step.source->childCount(); ++index) {
+    const jsObject* const source = step.source->child(index);
+    jsObject* const copy = copyWithoutChildren(source);
+    if (copy->isContainer()) pending->push_back({source, copy});
     if (step.source->kind() == kJsonArray) {
       appendValue(step.copy, copy);
     } else {
@@ -103,30 +88,33 @@ void copyChildren(const CopyStep& step, std::vector<CopyStep>* pending) {
 
 }  // namespace
 
-jsObject::jsObject(JsonKind kind) : kind_(kind), members_(nullptr) {
-  if (kind == kJsonArray) new (&elements_) std::vector<jsObject*>();
+jsObject::jsObject(JsonKind kind) : kind_(kind), boolean_(false) {
+  if (kind == kJsonArray) elements_ = new JsonElements();
   if (kind == kJsonObject) members_ = new JsonMembers();
 }
 
 jsObject::~jsObject() {
-  if (kind_ == kJsonString) text_.~basic_string();
-  if (kind_ == kJsonArray) elements_.~vector();
+  if (kind_ == kJsonString) text_.~JsonText();
+  if (kind_ == kJsonArray) delete elements_;
   if (kind_ == kJsonObject) delete members_;
 }
 
-jsObject* makeNull() { return sharedNull(); }
+jsObject* makeNull() { return sharedValues() + kPlaceOfNull; }
 
-jsObject* makeBoolean(bool boolean) { return sharedBoolean(boolean); }
+jsObject* makeBoolean(bool boolean) {
+  return sharedValues() + (boolean ? kPlaceOfTrue : kPlaceOfFalse);
+}
 
 jsObject* makeNumber(double number) {
-  for (jsObject& shared : sharedNumbers()) {
-    if (shared.number() == number) return &shared;
+  if (number >= kLeastSharedNumber && number <= kGreatestSharedNumber &&
+      number == std::trunc(number)) {
+    return sharedValues() + kPlaceOfNumbers + static_cast<int>(number - kLeastSharedNumber);
   }
   return new jsObject(number);
 }
 
 jsObject* makeString(std::string_view text) {
-  return text.empty() ? sharedEmptyString() : new jsObject(text);
+  return text.empty() ? sharedValues() + kPlaceOfEmptyString : new jsObject(text);
 }
 
 jsObject* makeString(const char* text) {
@@ -139,23 +127,25 @@ jsObject* makeObject() { return new jsObject(kJsonObject); }
 
 void releaseJson(jsObject* value) {
   if (value == nullptr || isShared(value)) return;
-  // A list of the open containers instead of recursion: a tree may be deeper than the stack.
-  std::vector<jsObject*> pending;
-  for (jsObject* next = value; next != nullptr;) {
-    if (isContainer(next)) {
-      for (jsObject* child : children(next)) {
-        if (isContainer(child)) {
-          pending.push_back(child);
-        } else if (!isShared(child)) {
-          delete child;
-        }
-      }
+  if (!value->isContainer()) {
+    delete value;
+    return;
+  }
+  // A list of the open containers instead of recursion: a tree may be deeper than the stack. In the
+  // order in which trees are mostly built, so that memory is walked over from front to back.
+  std::vector<OpenContainer> open = {{value, 0}};
+  while (!open.empty()) {
+    jsObject* const container = open.back().container;
+    if (open.back().next == container->childCount()) {
+      delete container;
+      open.pop_back();
+      continue;
     }
-    delete next;
-    next = nullptr;
-    if (!pending.empty()) {
-      next = pending.back();
-      pending.pop_back();
+    jsObject* const child = container->child(open.back().next++);
+    if (child->isContainer()) {
+      open.push_back({child, 0});
+    } else if (!isShared(child)) {
+      delete child;
     }
   }
 }
@@ -164,7 +154,7 @@ jsObject* deepCopy(const jsObject* value) {
   if (value == nullptr) return nullptr;
   jsObject* copy = copyWithoutChildren(value);
   std::vector<CopyStep> pending;
-  if (isContainer(value)) pending.push_back({value, copy});
+  if (value->isContainer()) pending.push_back({value, copy});
   while (!pending.empty()) {
     const CopyStep step = pending.back();
     pending.pop_back();
@@ -202,7 +192,7 @@ const char* stringText(const jsObject* value) {
 }
 
 std::string_view stringView(const jsObject* value) {
-  return isString(value) ? std::string_view(value->text()) : std::string_view();
+  return isString(value) ? value->text().view() : std::string_view();
 }
 
 }  // namespace tunadm
