@@ -10,7 +10,6 @@
 #include "profiles/ProfileControl.h"
 #include "profiles/ProfilePaths.h"
 #include "profiles/ProfileSelector.h"
-#include "service/LogExtract.h"
 
 namespace tunadm {
 namespace {
@@ -31,12 +30,13 @@ std::string readApplicationVersion() {
 }  // namespace
 
 void Hipcmd_GetProfiles::ProfileListResultField::render(ValueBinder& out) const {
-  std::vector<std::string> lines;
-  lines.reserve(profiles_.size());
-  for (const ProfileEntry& entry : profiles_) {
-    lines.push_back(entry.dir_name + ": " + entry.profile_name);
-  }
-  out.addList(name(), lines);
+  out.addList(name(), [this](const LineReceiver& receiver) {
+    std::string line;
+    for (const ProfileEntry& entry : profiles_) {
+      line.assign(entry.dir_name).append(": ").append(entry.profile_name);
+      receiver(line);
+    }
+  });
 }
 
 void Hipcmd_GetProfiles::execute(StatusCodeResultField& result) {
@@ -58,6 +58,10 @@ void Hipcmd_GetVersions::execute(StatusCodeResultField& result) {
   result.status().reset();
 }
 
+void Hipcmd_GetHipLog::LogResultField::render(ValueBinder& out) const {
+  out.addList(name(), [this](const LineReceiver& receiver) { extract_.print(receiver); });
+}
+
 void Hipcmd_GetHipLog::execute(StatusCodeResultField& result) {
   ProfileRef profile;
   result.status() = resolveSelector(selector(), &profile);
@@ -67,8 +71,8 @@ void Hipcmd_GetHipLog::execute(StatusCodeResultField& result) {
   if (max_lines < 0) max_lines = kDefaultLogLines;
   std::string path;
   (void)profileFile(profile.dir_name, kLogFile, &path);  // neither name is empty
-  result.status() = extractLog(path, std::min(max_lines, kMostLogLines),
-                               parseLevel(log_level_.value()), &log_.lines());
+  result.status() =
+      log_.extract().find(path, std::min(max_lines, kMostLogLines), parseLevel(log_level_.value()));
 }
 
 }  // namespace tunadm

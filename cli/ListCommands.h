@@ -8,6 +8,7 @@
 #include "cli/ProfileCommands.h"
 #include "core/CommandCore.h"
 #include "profiles/ProfileList.h"
+#include "service/LogExtract.h"
 
 namespace tunadm {
 
@@ -67,9 +68,22 @@ class Hipcmd_GetHipLog final : public ProfileCommand {
  private:
   static constexpr int kDefaultLogLines = 50;
 
+  class LogResultField final : public ResultParamBase {
+   public:
+    LogResultField(ResultList* list, std::string_view name) : ResultParamBase(list, name) {}
+
+    LogExtract& extract() { return extract_; }
+
+    void render(ValueBinder& out) const override;
+    void typeName(std::string* text) const override { text->append(name()); }
+
+   private:
+    LogExtract extract_;
+  };
+
   IntParam max_lines_{paramList(), "max_lines", kDefaultLogLines, Required::kNo};
   OptionalLogLevelParam log_level_{paramList()};
-  StringVectorResultField log_{resultList(), "_log"};
+  LogResultField log_{resultList(), "_log"};
   StringResult profile_name_{resultList(), "profile_name"};
 };
 

@@ -23,7 +23,7 @@ void ProfileDetailsResultField::render(ValueBinder& out) const {
   lines.push_back("overlay_mask=" + details_.overlay_mask);
   lines.push_back("invitation=" + details_.invitation);
   lines.push_back("log_level=" + details_.log_level);
-  out.addList(name(), lines);
+  out.addList(name(), linesOf(lines));
 }
 
 }  // namespace tunadm

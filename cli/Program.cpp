@@ -5,6 +5,7 @@
 #include <csignal>
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "cli/Catalogue.h"
@@ -19,16 +20,32 @@
 namespace tunadm {
 namespace {
 
-void printLines(const std::vector<std::string>& lines) {
-  std::string text;
-  for (const std::string& line : lines) text.append(line).append("\n");
-  writeOutput(STDOUT_FILENO, text);
-}
+// Collects lines and prints them in large writes, the last one at its end.
+class LinePrinter {
+ public:
+  LinePrinter() = default;
+  LinePrinter(const LinePrinter&) = delete;
+  LinePrinter& operator=(const LinePrinter&) = delete;
+  ~LinePrinter() { writeOutput(STDOUT_FILENO, text_); }
+
+  void print(std::string_view line) {
+    text_.append(line).push_back('\n');
+    if (text_.size() < kLargestWrite) return;
+    writeOutput(STDOUT_FILENO, text_);
+    text_.clear();
+  }
+
+ private:
+  static constexpr std::size_t kLargestWrite = std::size_t{64} * 1024;
+
+  std::string text_;
+};
 
 void printUsage(const std::string& program) {
-  printLines({"Usage: " + program + " json <command request object>",
-              "   or: " + program + " <two-word command name> <command-specific params>",
-              "   or: " + program + " help   (for a command list and short summaries)"});
+  LinePrinter out;
+  out.print("Usage: " + program + " json <command request object>");
+  out.print("   or: " + program + " <two-word command name> <command-specific params>");
+  out.print("   or: " + program + " help   (for a command list and short summaries)");
 }
 
 Status bindWords(TunadmCommandInstance* command, const std::vector<std::string>& words,
@@ -50,21 +67,20 @@ int runProgram(int argc, char** argv) {
   registerStatusTexts(kProgramModule, &programStatusText);
   setPrivilegeMode(PrivilegeMode::kRootOnly);
 
+  LinePrinter out;
   std::vector<std::string> words(argv + 1, argv + argc);
   int consumed = 0;
   const ScopedPtr<TunadmCommandInstance> command = lookUpCommand(&words, &consumed);
   if (!command) {
-    printLines({"invalid command name"});
+    out.print("invalid command name");
     return 1;
   }
   if (!bindWords(command.get(), words, consumed).ok()) {
-    printLines({"invalid command arguments"});
+    out.print("invalid command arguments");
     return 1;
   }
   command->execute(command->statusField());
-  std::vector<std::string> lines;
-  command->render(&lines);
-  printLines(lines);
+  command->render([&out](std::string_view line) { out.print(line); });
   return 0;
 }
 

@@ -96,8 +96,8 @@ bool TunadmCommandInstance::applyOption(std::string_view word) {
   return false;
 }
 
-void TunadmCommandInstance::render(std::vector<std::string>* lines) const {
-  StringVectorValueBinder out(lines);
+void TunadmCommandInstance::render(const LineReceiver& receiver) const {
+  StringVectorValueBinder out(receiver);
   if (!status_.status().ok()) {
     status_.render(out);
     return;

@@ -35,9 +35,9 @@ class TunadmCommandInstance {
   // --quiet and --verbose, and of --json and --text, the last one counts.
   bool applyOption(std::string_view word);
 
-  // The text lines of the result, appended to `lines`: of a success every field, of a failure only
-  // the status.
-  void render(std::vector<std::string>* lines) const;
+  // Hands the text lines of the result to `out`: of a success every field, of a failure only the
+  // status.
+  void render(const LineReceiver& out) const;
 
  protected:
   // `method` is the canonical name of the command, which --verbose shows.

@@ -72,7 +72,7 @@ class StringVectorResultField final : public ResultParamBase {
 
   std::vector<std::string>& lines() { return lines_; }
 
-  void render(ValueBinder& out) const override { out.addList(name(), lines_); }
+  void render(ValueBinder& out) const override { out.addList(name(), linesOf(lines_)); }
   // Deliberate: the reference shows the field's own name as its type.
   void typeName(std::string* text) const override { text->append(name()); }
 

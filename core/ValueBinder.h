@@ -2,9 +2,9 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
 #include <string_view>
-#include <vector>
+
+#include "core/TextLines.h"
 
 namespace tunadm {
 
@@ -19,22 +19,23 @@ class ValueBinder {
   virtual bool addText(std::string_view name, std::string_view text);
   virtual bool addInteger(std::string_view name, std::int32_t number);
   virtual bool addBoolean(std::string_view name, bool truth);
-  virtual bool addList(std::string_view name, const std::vector<std::string>& items);
+  virtual bool addList(std::string_view name, const LineSource& items);
 };
 
-// Appends text lines to a list that the caller owns: "name: value", or for a list a heading "name:"
+// Hands text lines to their receiver: "name: value", or for a list a heading "name:"
 // and its items as they are. A name that is empty or begins with "_" gives no heading.
 class StringVectorValueBinder final : public ValueBinder {
  public:
-  explicit StringVectorValueBinder(std::vector<std::string>* lines) : lines_(lines) {}
+  // `out` must outlive the sink.
+  explicit StringVectorValueBinder(const LineReceiver& out) : out_(out) {}
 
   bool addText(std::string_view name, std::string_view text) override;
   bool addInteger(std::string_view name, std::int32_t number) override;
   bool addBoolean(std::string_view name, bool truth) override;
-  bool addList(std::string_view name, const std::vector<std::string>& items) override;
+  bool addList(std::string_view name, const LineSource& items) override;
 
  private:
-  std::vector<std::string>* lines_;
+  const LineReceiver& out_;
 };
 
 }  // namespace tunadm

@@ -61,13 +61,13 @@ bool isValidLevel(LogLevel level) {
 }
 
 const char* loglevel_shortname(LogLevel level) {
-  if (isValidLevel(level)) return level->short_name;
+  if (isValidLevel(level)) return level->short_name.data();
   reportInvalidLevel("loglevel_shortname");
   return "X~";
 }
 
 const char* loglevel_fullname(LogLevel level) {
-  if (isValidLevel(level)) return level->full_name;
+  if (isValidLevel(level)) return level->full_name.data();
   reportInvalidLevel("loglevel_fullname");
   return "<log level>";
 }

@@ -10,9 +10,10 @@ namespace tunadm {
 struct LogLevelDescriptor {
   std::uint32_t marker;
   int syslog_priority;
-  const char* short_name;
-  const char* full_name;
-  const char* alternative_name;  // Empty when there is none.
+  // Each of a literal, so that a NUL byte follows.
+  std::string_view short_name;
+  std::string_view full_name;
+  std::string_view alternative_name;  // Empty when there is none.
 };
 
 inline constexpr std::uint32_t kLogLevelMarker = 12345;

@@ -25,7 +25,7 @@ std::size_t JsonMembers::find(std::string_view name) const {
     return found == index_->end() ? kNone : *found;
   }
   for (std::size_t position = 0; position < list_.size(); ++position) {
-    if (list_[position].name.view() == name) return position;
+    if (list_[position].name == name) return position;
   }
   return kNone;
 }
@@ -45,8 +45,11 @@ void JsonMembers::append(std::string_view name, jsObject* value) {
   }
 }
 
-jsObject* JsonMembers::replace(std::size_t position, jsObject* value) {
-  return std::exchange(list_[position].value, value);
+jsObject* JsonMembers::put(std::string_view name, jsObject* value) {
+  const std::size_t position = find(name);
+  if (position != kNone) return std::exchange(list_[position].value, value);
+  append(name, value);
+  return nullptr;
 }
 
 jsObject* JsonMembers::remove(std::size_t position) {

@@ -37,11 +37,9 @@ class JsonMembers : public JsonPooled {
   // kNone when there is no such name.
   std::size_t find(std::string_view name) const;
 
-  // `name` must not be there yet.
-  void append(std::string_view name, jsObject* value);
-
-  // Puts `value` at `position`; returns the value that stood there.
-  jsObject* replace(std::size_t position, jsObject* value);
+  // Adds a member at the end, or puts `value` in the place of the member of that name. Returns the
+  // value that stood there, or null.
+  jsObject* put(std::string_view name, jsObject* value);
 
   // Removes a member and returns its value. The last member takes its place.
   jsObject* remove(std::size_t position);
@@ -67,6 +65,7 @@ class JsonMembers : public JsonPooled {
   };
   using NameIndex = std::unordered_set<std::size_t, NameHash, NameEqual>;
 
+  void append(std::string_view name, jsObject* value);
   void makeIndex();
 
   MemberList list_;

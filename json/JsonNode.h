@@ -27,7 +27,11 @@ class jsObject : public JsonPooled {
   explicit jsObject(std::string_view text) : kind_(kJsonString), text_(text) {}
   jsObject(const jsObject&) = delete;
   jsObject& operator=(const jsObject&) = delete;
-  ~jsObject();
+  ~jsObject() {
+    if (kind_ == kJsonString) text_.~JsonText();
+    if (kind_ == kJsonArray) delete elements_;
+    if (kind_ == kJsonObject) delete members_;
+  }
 
   JsonKind kind() const { return kind_; }
   bool isContainer() const { return kind_ == kJsonArray || kind_ == kJsonObject; }

@@ -50,9 +50,7 @@ std::ptrdiff_t findMemberIgnoringCase(const jsObject* object, std::string_view n
 void setMember(jsObject* object, std::string_view name, jsObject* value) {
   if (!isObject(object) || name.empty()) return releaseJson(value);
   if (value == nullptr) return releaseJson(detachMember(object, name));
-  const std::size_t position = positionOf(object, name);
-  if (position == JsonMembers::kNone) return object->members().append(name, value);
-  jsObject* old = object->members().replace(position, value);
+  jsObject* const old = object->members().put(name, value);
   if (old != value) releaseJson(old);
 }
 

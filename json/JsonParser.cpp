@@ -92,12 +92,15 @@ void parserinfo::addValue(jsObject* value) {
 
 // Takes ownership of `value`.
 void parserinfo::addMember(jsObject* object, jsObject* value) {
-  const bool container = value->isContainer();
-  const bool named = !name_.empty();
-  setMember(object, name_, value);
-  name_.clear();
-  // Deliberate: a container under an empty name is no error; it is only dropped.
-  if (!named && !container) return onError("onValue: no available name for field");
+  if (!name_.empty()) {
+    releaseJson(object->members().put(name_, value));
+    name_.clear();
+  } else {
+    // Deliberate: a container under an empty name is no error; it is only dropped.
+    const bool dropped = value->isContainer();
+    releaseJson(value);
+    if (!dropped) return onError("onValue: no available name for field");
+  }
   state_ = kParserHasMember;
 }
 

@@ -9,9 +9,9 @@
 namespace tunadm {
 
 // Hands out small blocks, which a tree needs by the million, in a few instructions each: from the
-// blocks of the same size that were given back, or else off the end of a large chunk. Chunks are
-// given up when no block is out any more, so that what comes next finds its memory in one piece
-// again. Not for use by several threads at once.
+// blocks of the same size that were given back, or else off the end of a large chunk. When no block
+// is out any more, it begins with its first chunk again, so that what comes next lies in one piece;
+// it returns no memory to the system. Not for use by several threads at once.
 class JsonPool {
  public:
   // At least `size` bytes, aligned for pointers and doubles.
@@ -41,9 +41,15 @@ class JsonPool {
   static constexpr std::size_t kLargestBlock = 64 * kGrain;
 #endif
 
-  // A block that was given back, or the head of a chunk, linked to the next one of its kind.
+  // A block that was given back.
   struct Block {
     Block* next;
+  };
+
+  // The head of a chunk, at the beginning of its memory.
+  struct Chunk {
+    Chunk* next;
+    std::size_t size;  // of all of it
   };
 
   static constexpr std::size_t place(std::size_t size) { return (size + kGrain - 1) / kGrain; }
@@ -60,9 +66,10 @@ class JsonPool {
 
   std::array<Block*, kLargestBlock / kGrain + 1> free_ = {};
   std::size_t taken_ = 0;
-  char* rest_ = nullptr;  // of the newest chunk
+  char* rest_ = nullptr;  // what is left of the newest chunk
   std::size_t rest_size_ = 0;
-  Block* chunks_ = nullptr;
+  Chunk* chunks_ = nullptr;  // in use, the newest one first
+  Chunk* unused_ = nullptr;
 };
 
 inline constinit JsonPool json_pool;

@@ -88,7 +88,6 @@ class Scanner {
  private:
   // Each begins at next_ and leaves it behind the token.
   void scanToken();
-  void take(void (TokenReceiver::*token)());
   void scanOther();
   void scanString();
   void scanNumber();
@@ -111,25 +110,26 @@ void Scanner::scanToken() {
     case '"':
       return scanString();
     case '[':
-      return take(&TokenReceiver::onLeftBracket);
+      ++next_;
+      return receiver_.onLeftBracket();
     case '{':
-      return take(&TokenReceiver::onLeftCurly);
+      ++next_;
+      return receiver_.onLeftCurly();
     case ']':
-      return take(&TokenReceiver::onRightBracket);
+      ++next_;
+      return receiver_.onRightBracket();
     case '}':
-      return take(&TokenReceiver::onRightCurly);
+      ++next_;
+      return receiver_.onRightCurly();
     case ',':
-      return take(&TokenReceiver::onComma);
+      ++next_;
+      return receiver_.onComma();
     case ':':
-      return take(&TokenReceiver::onColon);
+      ++next_;
+      return receiver_.onColon();
     default:
       return scanOther();
   }
-}
-
-void Scanner::take(void (TokenReceiver::*token)()) {
-  ++next_;
-  (receiver_.*token)();
 }
 
 void Scanner::scanOther() {
@@ -144,10 +144,11 @@ void Scanner::scanString() {
   const char* const begin = next_ + 1;
   const char* stop = std::find_if(begin, end_, endsPlainText);
   const bool escapes = stop != end_ && *stop == '\\';
-  while (stop < end_ && *stop != '"') {
-    stop += *stop == '\\' ? 2 : 1;  // over a quote too
+  while (stop != end_ && *stop != '"') {
+    if (*stop == '\\' && ++stop == end_) break;  // over a quote too
+    ++stop;
   }
-  if (stop >= end_) {
+  if (stop == end_) {
     next_ = end_;
     return;
   }

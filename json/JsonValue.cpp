@@ -93,12 +93,6 @@ jsObject::jsObject(JsonKind kind) : kind_(kind), boolean_(false) {
   if (kind == kJsonObject) members_ = new JsonMembers();
 }
 
-jsObject::~jsObject() {
-  if (kind_ == kJsonString) text_.~JsonText();
-  if (kind_ == kJsonArray) delete elements_;
-  if (kind_ == kJsonObject) delete members_;
-}
-
 jsObject* makeNull() { return sharedValues() + kPlaceOfNull; }
 
 jsObject* makeBoolean(bool boolean) {

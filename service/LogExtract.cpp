@@ -7,7 +7,6 @@
 #include <cerrno>
 #include <cstddef>
 #include <cstring>
-#include <iterator>
 #include <string_view>
 
 #include "fundkit/DescriptorIo.h"
@@ -34,6 +33,7 @@ class Window {
     while (length_ < wanted) {
       const ssize_t count = pread(file_, buffer_.data() + length_, wanted - length_, this->end());
       if (count < 0 && errno == EINTR) continue;
+      failed_ = failed_ || count < 0;
       if (count <= 0) return;
       length_ += static_cast<std::size_t>(count);
     }
@@ -44,6 +44,7 @@ class Window {
     load(std::max<off_t>(0, end - static_cast<off_t>(kWindowSize)), end);
   }
 
+  bool failed() const { return failed_; }
   off_t start() const { return start_; }
   off_t end() const { return start_ + static_cast<off_t>(length_); }
 
@@ -51,6 +52,11 @@ class Window {
   std::string_view bytes(off_t from, off_t to) const {
     return std::string_view(buffer_).substr(static_cast<std::size_t>(from - start_),
                                             static_cast<std::size_t>(to - from));
+  }
+
+  // The part of `place` that is there; from its start on.
+  std::string_view text(const LogExtract::Place& place) const {
+    return bytes(place.start, std::clamp(place.start + off_t{place.length}, place.start, end()));
   }
 
   // The place behind the last line feed before `end`, or -1.
@@ -66,33 +72,31 @@ class Window {
   std::string buffer_;
   off_t start_ = 0;
   std::size_t length_ = 0;
+  bool failed_ = false;
 };
 
 // The answer, taken from its last line to its first.
-class Extract {
+class Search {
  public:
-  Extract(std::size_t max_lines, LogLevel threshold)
-      : max_lines_(max_lines), threshold_(threshold) {}
+  Search(std::size_t max_lines, LogLevel threshold, std::vector<LogExtract::Place>* found)
+      : max_lines_(max_lines), threshold_(threshold), found_(*found) {}
 
   bool full() const { return found_.size() >= max_lines_; }
 
-  // A NUL byte ends a piece. The level is asked for first: it takes a look at the start only, and
-  // in most logs decides about most lines.
-  void take(std::string_view piece) {
+  // Takes the piece that starts at `start`. A NUL byte ends it. The level is asked for first: it
+  // takes a look at the beginning only, and in most logs decides about most lines.
+  void take(std::string_view piece, off_t start) {
     if (full() || parseLevel(piece) < threshold_) return;
     const std::string_view text = trimGraphic(piece.substr(0, piece.find('\0')));
-    if (!text.empty()) found_.emplace_back(text);
-  }
-
-  void moveTo(std::vector<std::string>* lines) {
-    lines->insert(lines->end(), std::make_move_iterator(found_.rbegin()),
-                  std::make_move_iterator(found_.rend()));
+    if (text.empty()) return;
+    found_.push_back(
+        {start + (text.data() - piece.data()), static_cast<std::uint32_t>(text.size())});
   }
 
  private:
   std::size_t max_lines_;
   LogLevel threshold_;
-  std::vector<std::string> found_;
+  std::vector<LogExtract::Place>& found_;
 };
 
 // Where the last piece of a line starts; pieces are counted from the start of the line.
@@ -102,64 +106,87 @@ off_t lastPiece(off_t line_start, off_t end) {
 
 // Takes the lines before `end` that start in the window, and returns where the first of them
 // starts; `end` itself when there is none.
-off_t takeLines(const Window& window, off_t end, Extract* extract) {
-  while (end > window.start() && !extract->full()) {
+off_t takeLines(const Window& window, off_t end, Search* search) {
+  while (end > window.start() && !search->full()) {
     // The byte before `end` is the line's own feed, or the last of a file without one.
     off_t line_start = window.behindLastFeed(end - 1);
     if (line_start < 0 && window.start() > 0) break;
     line_start = std::max<off_t>(line_start, 0);
     for (off_t start = end; start > line_start; end = start) {
       start = lastPiece(line_start, end);
-      extract->take(window.bytes(start, end));
+      search->take(window.bytes(start, end), start);
     }
   }
   return end;
 }
 
 // Takes the line before `end`, which starts before the window, piece by piece.
-off_t takeLongLine(Window* window, off_t end, Extract* extract) {
+off_t takeLongLine(Window* window, off_t end, Search* search) {
   off_t line_start = -1;
   while (line_start < 0 && window->start() > 0) {
     window->loadBefore(window->start());
     line_start = window->behindLastFeed(window->end());
   }
   line_start = std::max<off_t>(line_start, 0);
-  while (end > line_start && !extract->full()) {
+  while (end > line_start && !search->full()) {
     const off_t start = lastPiece(line_start, end);
     window->load(start, end);
-    extract->take(window->bytes(start, window->end()));
+    search->take(window->bytes(start, window->end()), start);
     end = start;
   }
   return end;
 }
 
-void readBackward(int file, off_t end, Extract* extract) {
+bool readBackward(int file, off_t end, Search* search) {
   Window window(file);
-  while (end > 0 && !extract->full()) {
+  while (end > 0 && !search->full() && !window.failed()) {
     window.loadBefore(end);
     end = window.end();
-    const off_t rest = takeLines(window, end, extract);
-    end = rest < end || end == window.start() ? rest : takeLongLine(&window, end, extract);
+    const off_t rest = takeLines(window, end, search);
+    end = rest < end || end == window.start() ? rest : takeLongLine(&window, end, search);
   }
+  return !window.failed();
 }
 
-Status noLog(const std::string& path, std::vector<std::string>* lines) {
-  if (isRegularFile(path)) return Status(kOpenFailed);
-  lines->emplace_back("no logfile available for this profile");
-  return Status(kSuccessWithWarnings);
+// How many of the places before the `count`-th fit into one window together with it; the last one
+// is the first in the file.
+std::size_t startOfGroup(const std::vector<LogExtract::Place>& found, std::size_t count) {
+  const off_t start = found[count - 1].start;
+  std::size_t first = count - 1;
+  while (first > 0 && found[first - 1].start + off_t{found[first - 1].length} - start <=
+                          static_cast<off_t>(kWindowSize)) {
+    --first;
+  }
+  return first;
 }
 
 }  // namespace
 
-Status extractLog(const std::string& path, int max_lines, LogLevel threshold,
-                  std::vector<std::string>* lines) {
-  const ScopedFd file = openRegularFile(path);
+Status LogExtract::find(const std::string& path, int max_lines, LogLevel threshold) {
+  log_ = openRegularFile(path);
   struct stat at_start {};
-  if (!file.valid() || fstat(file.get(), &at_start) != 0) return noLog(path, lines);
-  Extract extract(static_cast<std::size_t>(std::max(0, max_lines)), threshold);
-  readBackward(file.get(), at_start.st_size, &extract);
-  extract.moveTo(lines);
-  return Status(kSuccess);
+  if (!log_.valid() || fstat(log_.get(), &at_start) != 0) {
+    if (isRegularFile(path)) return Status(kOpenFailed);
+    notice_ = "no logfile available for this profile";
+    return Status(kSuccessWithWarnings);
+  }
+  Search search(static_cast<std::size_t>(std::max(0, max_lines)), threshold, &found_);
+  const bool read = readBackward(log_.get(), at_start.st_size, &search);
+  return Status(read ? kSuccess : kReadFailed);
+}
+
+void LogExtract::print(const LineReceiver& out) const {
+  if (!notice_.empty()) out(notice_);
+  if (found_.empty()) return;
+  Window window(log_.get());
+  for (std::size_t count = found_.size(); count > 0;) {
+    const std::size_t first = startOfGroup(found_, count);
+    window.load(found_[count - 1].start, found_[first].start + off_t{found_[first].length});
+    for (; count > first; --count) {
+      const std::string_view text = window.text(found_[count - 1]);
+      if (!text.empty()) out(text);
+    }
+  }
 }
 
 }  // namespace tunadm

@@ -1,24 +1,45 @@
 // The last lines of the daemon's log.
 #pragma once
 
+#include <sys/types.h>
+
+#include <cstdint>
 #include <string>
 #include <vector>
 
 #include "core/Status.h"
+#include "core/TextLines.h"
 #include "fundkit/LogLevel.h"
+#include "fundkit/ScopedFd.h"
 
 namespace tunadm {
 
-// Appends to `lines` the last `max_lines` lines of the log at `path` whose level is at or above
-// `threshold`, in the order of the file, without unprintable bytes and blanks at their ends. Empty
-// lines do not count, and a line of 4,096 bytes or more counts as several, of 4,095 bytes each.
-//
-// The log is read from its end, as far as the answer needs, and only what was there at the start; a
-// log that is cut meanwhile, or cannot be read on, gives what is left. Beyond the answer, a fixed
-// 256 KiB of memory is needed. A `max_lines` of 0 or below asks for nothing, which succeeds.
-// Without a regular file at `path` there is one line that says so, and the status is
-// kSuccessWithWarnings. Fails with kOpenFailed.
-Status extractLog(const std::string& path, int max_lines, LogLevel threshold,
-                  std::vector<std::string>* lines);
+// Finds the last lines of a log, and hands them out in the order of the file. Of the lines it keeps
+// the places only, so that besides them a fixed 256 KiB of memory is needed.
+class LogExtract {
+ public:
+  // Finds the last `max_lines` lines of the log at `path` whose level is at or above `threshold`.
+  // Bytes at their ends that show nothing are left out. Empty lines do not count, and a line of
+  // 4,096 bytes or more counts as several, of 4,095 bytes each.
+  //
+  // The log is read from its end, as far as the answer needs, and only what was there at the start;
+  // a log that is cut meanwhile gives what is left. A `max_lines` of 0 or below asks for nothing,
+  // which succeeds. Without a regular file at `path` there is one line that says so, and the status
+  // is kSuccessWithWarnings. Fails with kOpenFailed or kReadFailed. For one call only.
+  Status find(const std::string& path, int max_lines, LogLevel threshold);
+
+  void print(const LineReceiver& out) const;
+
+  // A text in the log.
+  struct Place {
+    off_t start;
+    std::uint32_t length;
+  };
+
+ private:
+  ScopedFd log_;
+  std::vector<Place> found_;  // the last one first
+  std::string notice_;        // what stands for a log that is not there
+};
 
 }  // namespace tunadm

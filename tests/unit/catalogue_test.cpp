@@ -124,7 +124,7 @@ TEST(Catalogue, TargetsAndDefaults) {
   const ScopedPtr<TunadmCommandInstance> bundle = lookUpCommand(&words, &consumed);
   bundle->statusField().status().reset();
   Words lines;
-  bundle->render(&lines);
+  bundle->render([&lines](std::string_view line) { lines.emplace_back(line); });
   EXPECT_EQ(lines, Words());
 }
 

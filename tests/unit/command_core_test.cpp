@@ -169,11 +169,13 @@ TEST(Rendering, StatusLinesByModeAndFieldsOfASuccess) {
     Lines expected = c.status;
     if (c.code == kSuccess) expected.insert(expected.end(), fields.begin(), fields.end());
     Lines lines;
-    command.render(&lines);
+    command.render([&lines](std::string_view line) { lines.emplace_back(line); });
     EXPECT_EQ(lines, expected) << c.option << c.code;
   }
   Lines lines;
-  SampleCommand().render(&lines);  // one that never sets its status has failed
+  SampleCommand().render([&lines](std::string_view line) {
+    lines.emplace_back(line);
+  });  // one that never sets its status has failed
   EXPECT_EQ(lines, (Lines{"status_text: application error", "status_code: 0x12000001"}));
 }
 

@@ -19,6 +19,12 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
+Lines printed(const LogExtract& extract) {
+  Lines lines;
+  extract.print([&lines](std::string_view line) { lines.emplace_back(line); });
+  return lines;
+}
+
 // What reading the whole file forward with fgets gives.
 Lines forwardModel(const std::string& path, std::size_t max_lines, LogLevel threshold) {
   Lines lines;
@@ -63,18 +69,19 @@ TEST(LogExtract, SameAsReadingForward) {
     const std::string path = temp.write("hip.log", randomLog(&random));
     const LogLevel threshold = &kLogLevels[random() % 7];
     const int max_lines = static_cast<int>(random() % 3 == 0 ? 100000 : random() % 20);
-    Lines lines;
-    ASSERT_EQ(extractLog(path, max_lines, threshold, &lines).code(), 1);
-    ASSERT_EQ(lines, forwardModel(path, static_cast<std::size_t>(max_lines), threshold)) << round;
+    LogExtract extract;
+    ASSERT_EQ(extract.find(path, max_lines, threshold).code(), 1);
+    ASSERT_EQ(printed(extract), forwardModel(path, static_cast<std::size_t>(max_lines), threshold))
+        << round;
   }
 }
 
 TEST(LogExtract, NoLog) {
   const TempDirectory temp;
   for (const char* path : {"", "missing", "."}) {
-    Lines lines;
-    EXPECT_EQ(extractLog(temp.at(path), 50, kLogInfo, &lines).code(), 2);
-    EXPECT_EQ(lines, (Lines{"no logfile available for this profile"}));
+    LogExtract extract;
+    EXPECT_EQ(extract.find(temp.at(path), 50, kLogInfo).code(), 2);
+    EXPECT_EQ(printed(extract), (Lines{"no logfile available for this profile"}));
   }
 }
 

@@ -1,0 +1,128 @@
+// The JSON library beside two that are in general use: building a tree from a text of about 50 MB
+// (5 MB for the growth of the cost), releasing it again, and printing it; and the building and
+// searching of one large object.
+#include <benchmark/benchmark.h>
+#include <rapidjson/document.h>
+#include <rapidjson/stringbuffer.h>
+#include <rapidjson/writer.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "json/JsonParser.h"
+#include "json/JsonPrinter.h"
+#include "json/JsonValue.h"
+#include "json/ScopedJson.h"
+
+namespace {
+
+constexpr int kDocumentUnit = 1000 * 1000;
+constexpr int kSmallDocument = 5;
+constexpr int kLargeDocument = 50;
+
+// Records as programs exchange them: names that come again, texts of all lengths with an escape
+// here and there, whole and fractional numbers, nested arrays and objects.
+std::string makeDocument(std::size_t size) {
+  std::string text = "[";
+  for (unsigned i = 0; text.size() < size; ++i) {
+    const std::string number = std::to_string(i);
+    text += i == 0 ? "" : ",";
+    text += R"({"id":)" + number + R"(,"name":"host )" + number + R"(.example.net","active":)" +
+            (i % 3 == 0 ? "true" : "false") + R"(,"load":)" + std::to_string(i % 997) + "." +
+            std::to_string(i % 89) +
+            R"(,"parent":null,"note":"a \"quoted\" text, with\ttabs and )" +
+            std::string(i % 61, 'x') + R"(","ports":[)" + std::to_string(i % 65536) +
+            R"(,443,8096,-17],"position":{"x":)" + std::to_string(i * 7919 % 100003) +
+            R"(.125,"y":-0.)" + number + R"(,"labels":["a","bc","","rack )" + number + R"("]}})";
+  }
+  return text + "]";
+}
+
+const std::string& document(const benchmark::State& state) {
+  static const std::string small = makeDocument(kSmallDocument * kDocumentUnit);
+  static const std::string large = makeDocument(kLargeDocument * kDocumentUnit);
+  return state.range(0) == kSmallDocument ? small : large;
+}
+
+tunadm::ScopedJson parseOwn(const std::string& text) {
+  return tunadm::ScopedJson(
+      tunadm::parseJson(text.data(), static_cast<std::ptrdiff_t>(text.size())));
+}
+
+// Each of the three parses into a tree of its own and frees it.
+void parse_tunadm(benchmark::State& state) {
+  const std::string& text = document(state);
+  for (auto _ : state) {
+    if (!parseOwn(text)) state.SkipWithError("not parsed");
+  }
+}
+
+void parse_nlohmann(benchmark::State& state) {
+  const std::string& text = document(state);
+  for (auto _ : state) benchmark::DoNotOptimize(nlohmann::json::parse(text));
+}
+
+void parse_rapidjson(benchmark::State& state) {
+  const std::string& text = document(state);
+  for (auto _ : state) {
+    rapidjson::Document tree;
+    if (tree.Parse(text.data(), text.size()).HasParseError()) state.SkipWithError("not parsed");
+  }
+}
+
+void print_tunadm(benchmark::State& state) {
+  const tunadm::ScopedJson tree = parseOwn(document(state));
+  for (auto _ : state) {
+    std::string text;
+    tunadm::printJson(tree.get(), &text);
+    benchmark::DoNotOptimize(text.data());
+  }
+}
+
+void print_nlohmann(benchmark::State& state) {
+  const nlohmann::json tree = nlohmann::json::parse(document(state));
+  for (auto _ : state) benchmark::DoNotOptimize(tree.dump());
+}
+
+void print_rapidjson(benchmark::State& state) {
+  rapidjson::Document tree;
+  tree.Parse(document(state).data(), document(state).size());
+  for (auto _ : state) {
+    rapidjson::StringBuffer text;
+    rapidjson::Writer<rapidjson::StringBuffer> writer(text);
+    tree.Accept(writer);
+    benchmark::DoNotOptimize(text.GetString());
+  }
+}
+
+void members_tunadm(benchmark::State& state) {
+  for (auto _ : state) {
+    const tunadm::ScopedJson object(tunadm::makeObject());
+    for (std::int64_t i = 0; i < state.range(0); ++i) {
+      tunadm::setMember(object.get(), "member " + std::to_string(i), tunadm::makeNumber(1));
+    }
+    for (std::int64_t i = 0; i < state.range(0); ++i) {
+      if (tunadm::findMember(object.get(), "member " + std::to_string(i)) != i) {
+        state.SkipWithError("not found");
+      }
+    }
+  }
+}
+
+void forDocuments(benchmark::internal::Benchmark* bench) {
+  bench->Arg(kSmallDocument)->Arg(kLargeDocument)->Unit(benchmark::kMillisecond);
+}
+
+BENCHMARK(parse_tunadm)->Apply(forDocuments);
+BENCHMARK(parse_nlohmann)->Apply(forDocuments);
+BENCHMARK(parse_rapidjson)->Apply(forDocuments);
+BENCHMARK(print_tunadm)->Apply(forDocuments);
+BENCHMARK(print_nlohmann)->Apply(forDocuments);
+BENCHMARK(print_rapidjson)->Apply(forDocuments);
+BENCHMARK(members_tunadm)->Arg(10 * 1000)->Arg(100 * 1000)->Unit(benchmark::kMillisecond);
+
+}  // namespace
+
+BENCHMARK_MAIN();

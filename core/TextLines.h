@@ -1,0 +1,25 @@
+// Text lines on their way from a result to its reader, one at a time: a list need not be in memory
+// as a whole.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tunadm {
+
+// Takes one line; the view is good during the call only.
+using LineReceiver = std::function<void(std::string_view line)>;
+
+// Hands the lines of a list to `out`, the first one first.
+using LineSource = std::function<void(const LineReceiver& out)>;
+
+// `lines` must outlive the source.
+inline LineSource linesOf(const std::vector<std::string>& lines) {
+  return [&lines](const LineReceiver& out) {
+    for (const std::string& line : lines) out(line);
+  };
+}
+
+}  // namespace tunadm
