@@ -30,11 +30,10 @@ Status checkValues(const CreateRequest& request) {
       "profile create");
 }
 
-// The names in the store, from one listing, so that finding a free one does not have to ask for
-// each. A name that appears after the listing is met when its directory cannot be made.
-std::unordered_set<std::string> usedDirNames() {
-  DirectoryListing listing = listDirectory(std::string(kProfilesRoot));
-  std::unordered_set<std::string> used;
+// From one listing, so that finding a free name does not have to ask for each. A name that appears
+// after the listing is met when its directory cannot be made.
+std::unordered_set<std::string_view> usedNames(const DirectoryListing& listing) {
+  std::unordered_set<std::string_view> used;
   for (const auto* names : {&listing.subdirectories, &listing.files, &listing.file_links,
                             &listing.directory_links, &listing.others}) {
     used.insert(names->begin(), names->end());
@@ -43,7 +42,8 @@ std::unordered_set<std::string> usedDirNames() {
 }
 
 Status makeProfileDirectory(std::string* dir_name) {
-  const std::unordered_set<std::string> used = usedDirNames();
+  const DirectoryListing listing = listDirectory(std::string(kProfilesRoot));
+  const std::unordered_set<std::string_view> used = usedNames(listing);
   for (int number = kFirstNumber; number < kEndNumber; ++number) {
     *dir_name = "profile-" + std::to_string(number);
     if (used.contains(*dir_name)) continue;
