@@ -1,0 +1,242 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstddef>
+#include <memory>
+#include <random>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "json/JsonParser.h"
+#include "json/JsonPrinter.h"
+#include "json/JsonSequencer.h"
+#include "json/ScopedJson.h"
+#include "json/TokenPrinter.h"
+
+namespace tunadm {
+namespace {
+
+using Parse = jsObject* (*)(const char* text, std::ptrdiff_t length);
+using Pair = std::pair<const char*, const char*>;
+
+std::string printed(const jsObject* value) {
+  std::string out = ">";  // stays: printing appends
+  printJson(value, &out);
+  return out.substr(1);
+}
+
+// "none" for a null pointer. The text is parsed where a sanitizer sees any read beyond its end.
+std::string parsed(std::string_view text, Parse parse = &parseJson) {
+  const std::vector<char> exact(text.begin(), text.end());
+  const ScopedJson value(parse(exact.data(), static_cast<std::ptrdiff_t>(exact.size())));
+  return value ? printed(value.get()) : "none";
+}
+
+std::string repeated(std::string_view piece, int times) {
+  std::string text;
+  for (int i = 0; i < times; ++i) text += piece;
+  return text;
+}
+
+TEST(JsonScanner, TokensAsPrinted) {
+  const Pair cases[] = {
+      {"\t[\r{\n] },: ", "[ { ] } , : "},
+      {"null true false nulls True a.b_c1", "null true false nulls True a.b_c 1.000000 "},
+      {"_a\xc3", "error: scanner error a error: scanner error "},
+      {"12abc 1:\"2,+.5]-2}3", "12.000000 1.000000 , 0.500000 ] -2.000000 } 3.000000 "},
+      {"- .x 1[2 1e2 0x10 -inf", "0.000000 0.000000 1.000000 100.000000 16.000000 -inf "},
+      {R"("\a,b""\"\\\/\'"1"c)", R"("?,b" ""\/'" 1.000000 )"},
+      {"\"\\u0041\\q\\\n\\\"\" \"\" 1 \"\\\"\\", "\"?0041??\"\" \"\" 1.000000 "},
+  };
+  for (const auto& [text, tokens] : cases) {
+    testing::internal::CaptureStdout();
+    printJsonTokens(text, -1);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), tokens) << text;
+  }
+  const ScopedJson value(parseJson("\"a\0\\b\\f\\n\\r\\t\xff\"", 15));
+  EXPECT_EQ(stringView(value.get()), std::string_view("a\0\b\f\n\r\t\xff", 8));
+}
+
+TEST(JsonParser, Values) {
+  const Pair cases[] = {
+      {R"({"a":1, b : [true,null , {}], c.d:"x", e:{f:{g:[]}},})",
+       R"({ "a":1, "b":[ true, null, { } ], "c.d":"x", "e":{ "f":{ "g":[ ] } } })"},
+      {R"({"a":1,"b":2,"a":[3]})", R"({ "a":[ 3 ], "b":2 })"},
+      {R"({} "a)", "{ }"},
+      // A closing bracket makes good what went wrong inside.
+      {R"({"a" 1})", "{ }"},
+      {"{a:1 x}", R"({ "a":1 })"},
+      {"[,1]", "[ ]"},
+      {"[1}]", "[ 1 ]"},
+      {R"([{"a":},[3],{"b":2}])", R"([ { }, [ 3 ], { "b":2 } ])"},
+      {R"({"a":{"":{"c":[1]}},"":[2],b:2})", R"({ "a":{ }, "b":2 })"},
+      {"", "none"},
+      {"{} #", "none"},
+      {"{}{}", "none"},
+      {R"({"a":"abc)", "none"},
+      {R"([{"":{"b":[1)", "none"},
+  };
+  for (const auto& [text, out] : cases) EXPECT_EQ(parsed(text), out) << text;
+  EXPECT_EQ(parseJson(nullptr, 5), nullptr);
+  const Pair sequences[] = {
+      {R"({"a":1}{"b":[{},true]} {)", R"([ { "a":1 }, { "b":[ { }, true ] } ])"},
+      {"[1]{}{}", "[ ]"},
+      {"{a:1 #,c:2}{b:null}", R"([ { "a":1 }, { "b":null } ])"},
+      {"{a:1},{b:+2}{c:\"s\"}", R"([ { "a":1 } ])"},
+  };
+  for (const auto& [text, out] : sequences) EXPECT_EQ(parsed(text, &parseJsonSequence), out);
+}
+
+// None of this may use the stack for each level.
+TEST(JsonParser, DepthAndSize) {
+  constexpr int kCount = 500'000;
+  const std::string opening = repeated("{a:[", kCount);
+  EXPECT_EQ(parsed(opening), "none");
+  const ScopedJson tree(parseJson((opening + repeated("]}", kCount)).c_str(), -1));
+  EXPECT_EQ(printed(ScopedJson(deepCopy(tree.get())).get()).size(), 12u * kCount - 1);
+  EXPECT_EQ(parsed('[' + repeated("1,", kCount) + ']').size(), 3u * kCount + 2);
+  EXPECT_EQ(parsed('"' + repeated("\\n", kCount) + '"').size(), 2u * kCount + 2);
+}
+
+// Under a sanitizer this finds values that have two owners, or none.
+TEST(JsonParser, ByteSoup) {
+  constexpr std::string_view kPieces[] = {"{", "}",  "[",    "]",      ",",   ":",  "a",  "\"b\"",
+                                          "1", "\"", "null", "{\"\":", "{c:", "},", "\\", "\xff"};
+  std::mt19937 random(7);
+  for (int round = 0; round < 20'000; ++round) {
+    std::string text;
+    for (auto left = random() % 24; left > 0; --left) text += kPieces[random() % 16];
+    EXPECT_EQ(parsed(text, &parseJsonSequence) == "none", text.empty());
+    (void)parsed(text);
+  }
+}
+
+TEST(JsonPrinter, Numbers) {
+  const std::pair<double, const char*> cases[] = {{3, "3"},
+                                                  {2.5, "2.500000"},
+                                                  {0.999999, "1"},
+                                                  {0.99998, "0.999980"},
+                                                  {-1e-6, "0"},
+                                                  {-2, "-2.000000"},
+                                                  {2147483647, "2147483647"},
+                                                  {2147483648, "2147483648.000000"},
+                                                  {-2147483648.0, "-2147483648.000000"},
+                                                  {HUGE_VAL, "inf"},
+                                                  {std::fabs(std::nan("")), "nan"}};
+  for (const auto& [number, text] : cases) {
+    EXPECT_EQ(printed(ScopedJson(makeNumber(number)).get()), text);
+  }
+  EXPECT_EQ(printed(ScopedJson(makeNumber(-1e308)).get()).size(), 317u);
+}
+
+TEST(JsonPrinter, StringsAndTheWordsOfAnArray) {
+  const ScopedJson bytes(makeString(
+      std::string_view(" \"\\/~\x00\x07\b\t\n\x0b\f\r\x0e\x1f\x7f\x80\xc3\xbf\xff.", 21)));
+  EXPECT_EQ(printed(bytes.get()),
+            R"(" \"\/~\u0000\u0007\b\t\n\u000B\u000C\r\u000E\u001F\u007F????.")");
+  const char* text = "[ \"q\\\"\", null, [ ], { \"q'\t\xc3\":{ }, \"n\":\"\\t\" } ]";
+  const ScopedJson array(parseJson(text, -1));
+  EXPECT_EQ(printed(array.get()), text);
+  const std::vector<std::string> words = {"q\"", "null", "[ ]",
+                                          "{ \"q'\t\xc3\":{ }, \"n\":\"\\t\" }"};
+  EXPECT_EQ(arrayToWords(array.get()), words);
+  EXPECT_EQ(printed(nullptr), "");
+}
+
+TEST(JsonValue, KindsExcludeEachOther) {
+  const ScopedJson all(parseJson(R"([null, true, 5, "s", [], {}])", -1));
+  using Access = jsObject* (*)(jsObject*);
+  const Access accesses[] = {asNull, asBoolean, asNumber, asString, asArray, asObject};
+  for (std::size_t i = 0; i < 7; ++i) {
+    jsObject* value = arrayAt(all.get(), i);  // in the end a null pointer
+    for (std::size_t kind = 0; kind < 6; ++kind) {
+      EXPECT_EQ(accesses[kind](value), i == kind ? value : nullptr) << i << kind;
+    }
+    EXPECT_EQ(numberValue(value), i == 2 ? 5.0 : 0.0);
+    EXPECT_EQ(booleanValue(value), i == 1);
+    EXPECT_STREQ(stringText(value), i == 3 ? "s" : "");
+    EXPECT_EQ(arraySize(value) + objectSize(value), 0u);
+  }
+}
+
+TEST(JsonValue, SharedInstancesOutliveTheirRelease) {
+  for (int round = 0; round < 2; ++round) {  // the second one meets what the first has released
+    const ScopedJson holders[] = {ScopedJson(makeNull()), ScopedJson(makeBoolean(true)),
+                                  ScopedJson(makeNumber(-1)), ScopedJson(makeString(""))};
+    ScopedJson source(parseJson(R"([null, true, -1, "", "own", {"z":3, "a":[4]}])", -1));
+    const ScopedJson copy(deepCopy(source.get()));
+    for (std::size_t i = 0; i < 6; ++i) {
+      EXPECT_EQ(arrayAt(copy.get(), i) == arrayAt(source.get(), i), i < 4) << i;
+    }
+    source.reset();
+    EXPECT_EQ(printed(copy.get()), R"([ null, true, -1.000000, "", "own", { "z":3, "a":[ 4 ] } ])");
+  }
+}
+
+TEST(JsonArray, Changes) {
+  const ScopedJson array(parseJson(R"([[1], "x", 9])", -1));
+  jsObject* a = array.get();
+  setAt(a, 0, nullptr);               // replaces by null
+  setAt(a, 1, arrayAt(a, 1));         // the same value again
+  setAt(a, 3, makeString("end"));     // appends
+  setAt(a, 5, makeString("beyond"));  // drops the value
+  EXPECT_EQ(printed(a), R"([ null, "x", 9, "end" ])");
+  removeAt(a, 0);
+  const ScopedJson first(takeAt(a, 0)), last(takeLast(a)), none(takeAt(a, 1));
+  EXPECT_EQ(printed(first.get()) + printed(last.get()) + printed(none.get()) + printed(a),
+            R"("x""end"[ 9 ])");
+}
+
+TEST(JsonObject, SetMemberReplacesInPlaceAndRemovalMovesTheLastMemberIntoTheGap) {
+  const ScopedJson object(parseJson(R"({"a":5, "b":6, "c":7, "d":8})", -1));
+  jsObject* o = object.get();
+  setMember(o, "b", memberValue(o, 1));  // the same value again
+  setMember(o, "a", makeArray());
+  setMember(o, "b", nullptr);  // removes it
+  setMember(o, "", makeString("dropped"));
+  setMember(o, std::string_view("a\0", 2), makeNull());
+  EXPECT_EQ(printed(o), std::string_view("{ \"a\":[ ], \"d\":8, \"c\":7, \"a\0\":null }", 36));
+  EXPECT_EQ(printed(ScopedJson(detachMember(o, "c")).get()), "7");
+  EXPECT_EQ(detachMember(o, ""), nullptr);
+}
+
+TEST(JsonObject, FindsNamesIgnoringTheCaseOfLetters) {
+  const ScopedJson object(parseJson(R"({"a":1, "B":1, "b":1, "@":1, "`":1})", -1));
+  const std::pair<const char*, int> cases[] = {{"A", 0}, {"b", 1}, {"`", 4}, {"", -1}, {"aB", -1}};
+  for (const auto& [name, index] : cases) {
+    EXPECT_EQ(findMemberIgnoringCase(object.get(), name), index) << name;
+  }
+  EXPECT_EQ(findMember(object.get(), "b"), 2);
+}
+
+// Without an index of the names this takes minutes, not a moment.
+TEST(JsonObject, ManyMembersStayFoundWhileTheyComeAndGo) {
+  constexpr int kCount = 100000;
+  const ScopedJson object(makeObject());
+  const auto name = [](int i) { return "member" + std::to_string(i); };
+  for (int i = 0; i < kCount; ++i) setMember(object.get(), name(i), makeNumber(i));
+  for (int i = 0; i < kCount; i += 3) setMember(object.get(), name(i), nullptr);
+  for (int i = 0; i < kCount; i += 6) setMember(object.get(), name(i), makeNumber(i));
+  for (int i = 0; i < kCount; ++i) {
+    const ScopedJson value(detachMember(object.get(), name(i)));
+    ASSERT_EQ(printed(value.get()), i % 6 == 3 ? "" : std::to_string(i));
+  }
+  EXPECT_EQ(objectSize(object.get()), 0u);
+}
+
+TEST(ScopedPtr, ReleasesOnceWhatItStillHolds) {
+  using Life = std::shared_ptr<int>;  // tells how many copies of it live
+  const Life life = std::make_shared<int>();
+  {
+    ScopedPtr<Life> holder(new Life(life)), target(new Life(life));
+    holder.reset(holder.get());
+    target = std::move(holder);
+    EXPECT_EQ(life.use_count(), 2);
+  }
+  EXPECT_EQ(life.use_count(), 1);
+}
+
+}  // namespace
+}  // namespace tunadm
