@@ -3,12 +3,18 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdio>
+#include <iterator>
+#include <random>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "fundkit/BasicLog.h"
+#include "fundkit/LineReader.h"
 #include "fundkit/LogLevel.h"
+#include "service/LogExtract.h"
+#include "tests/support/TempDirectory.h"
 
 namespace tunadm {
 namespace {
@@ -36,7 +42,6 @@ TEST(LogLevel, ParseAndNames) {
     EXPECT_EQ(parseLevel(loglevel_fullname(c.level)), c.level);
   }
   EXPECT_STREQ(loglevel_shortname(kLogUnset), "X~");
-  EXPECT_STREQ(loglevel_fullname(kLogFatal + 1), "<log level>");
 }
 
 TEST(Logger, Thresholds) {
@@ -55,15 +60,12 @@ TEST(Logger, Thresholds) {
   }
 }
 
-TEST(LogStatement, OneLineOnStandardError) {
+TEST(LogStatement, OneLineOnStandardErrorAndErrnoLeftAlone) {
   testing::internal::CaptureStderr();
   TUNADM_LOG(getLogger("a\nb"), kLogWarning, "m", "f", "could not\rget")
       .detail("%s", "forged\nE~ line\x1b[31m gr\xc3\xbc");
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
             "W~ a?b m f: could not?get; forged?E~ line?[31m gr\xc3\xbc\n");
-}
-
-TEST(LogStatement, LeavesErrnoAloneWhenItCannotWrite) {
   const int standard_error = dup(STDERR_FILENO);
   close(STDERR_FILENO);
   errno = ENOENT;
@@ -79,6 +81,62 @@ TEST(AssertFailure, WritesLogsAndDies) {
               "^assert error, f line 1, \"" + std::string(998, 'm') + "E~ fundkit");
   EXPECT_EXIT(assertFailure(nullptr, 0, nullptr), testing::KilledBySignal(SIGILL),
               "^assert error, <filename unknown> line 0, \"<no message>\" \n");
+}
+
+using Lines = std::vector<std::string>;
+
+// What reading the whole file forward with fgets gives.
+Lines forwardModel(const std::string& path, std::size_t max_lines, LogLevel threshold) {
+  Lines lines;
+  FILE* const log = fopen(path.c_str(), "r");
+  if (log == nullptr) return {"not opened"};
+  char buffer[4096];
+  while (fgets(buffer, sizeof buffer, log) != nullptr) {
+    const std::string_view text = trimGraphic(std::string_view(buffer));
+    if (text.empty() || parseLevel(text) < threshold) continue;
+    lines.emplace_back(text);
+    if (lines.size() > max_lines) lines.erase(lines.begin());
+  }
+  (void)fclose(log);  // was only read from
+  return lines;
+}
+
+// A log of odd lines: of lengths around those of the pieces and of the reader's own buffer, with
+// NUL bytes, levels of every spelling, and perhaps no last line feed.
+std::string randomLog(std::mt19937* random) {
+  const auto below = [random](std::size_t limit) { return (*random)() % limit; };
+  const char* const starts[] = {"",       "E~ x",       "  [error] x", "W~",  "\x80 FATAL",
+                                "notice", "info later", "T~ trace",    "\t ", "DEBUGS"};
+  const std::size_t lengths[] = {0, 1, 80, 4090, 4094, 4095, 4096, 8190, 12000, 262143, 300000};
+  const char* const ends[] = {"\n", "\n", "\r\n", " \n", "\n\n"};
+  std::string text;
+  for (std::size_t count = below(60); count > 0; --count) {
+    text += starts[below(std::size(starts))];
+    const std::size_t length = lengths[below(below(8) == 0 ? std::size(lengths) : 3)];
+    text.append(length, below(4) == 0 ? ' ' : 'x');
+    if (below(6) == 0 && !text.empty()) text[below(text.size())] = '\0';
+    text += ends[below(std::size(ends))];
+  }
+  if (below(3) == 0) text += "FATAL without an end";
+  return text;
+}
+
+TEST(LogExtract, SameAsReadingForward) {
+  const TempDirectory temp;
+  std::mt19937 random(20);
+  for (int round = 0; round < 300; ++round) {
+    const std::string path = temp.write("hip.log", randomLog(&random));
+    const LogLevel threshold = &kLogLevels[random() % 7];
+    const int max_lines = static_cast<int>(random() % 3 == 0 ? 100000 : random() % 20);
+    Lines lines;
+    ASSERT_EQ(extractLog(path, max_lines, threshold, &lines).code(), 1);
+    ASSERT_EQ(lines, forwardModel(path, static_cast<std::size_t>(max_lines), threshold)) << round;
+  }
+  for (const char* path : {"", "missing", "."}) {
+    Lines lines;
+    EXPECT_EQ(extractLog(temp.at(path), 50, kLogInfo, &lines).code(), 2);
+    EXPECT_EQ(lines, (Lines{"no logfile available for this profile"}));
+  }
 }
 
 }  // namespace
