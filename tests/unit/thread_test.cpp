@@ -2,8 +2,8 @@
 #include <unistd.h>
 
 #include <atomic>
-#include <cstdint>
 #include <fstream>
+#include <functional>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -14,24 +14,26 @@
 namespace tunadm {
 namespace {
 
-const TimePoint program_start = monotonicTime();
 // Without a lock of their own: the mutex under test has to keep the threads apart.
 std::string contention, long_hold;
 std::atomic<bool> next_has_lock{true};
 
 // Spins for ten seconds at most, so that a lock that fails does not stop the tests.
-template <typename Condition>
-bool becomesTrue(Condition condition) {
+bool becomesTrue(const std::function<bool()>& condition) {
   for (const TimePoint start = monotonicTime(); monotonicTime() - start < 10 * kSecond;) {
     if (condition()) return true;
   }
   return false;
 }
 
-// Every wait and hold that is noted takes 3 milliseconds at least.
+// Every wait and hold that is noted takes 3 milliseconds at least, and no test a minute.
+void passTime() {
+  (void)becomesTrue([start = monotonicTime()] { return monotonicTime() - start >= 3000; });
+}
+
 std::string describe(const std::string& name, const char* holder, Duration threshold,
                      Duration measured) {
-  const bool right = measured >= 3000 && measured <= monotonicTime() - program_start;
+  const bool right = measured >= 3000 && measured < kMinute;
   return name + "," + holder + "," + std::to_string(threshold) + (right ? "" : " measured wrong");
 }
 
@@ -45,10 +47,6 @@ void noteLongHold(const char* name, const char* holder, Duration threshold, Dura
   if (threadName() == "waiter") return;
   const bool opened = becomesTrue([] { return next_has_lock.load(); });
   long_hold = opened ? describe(name, holder, threshold, measured) : "lock still taken";
-}
-
-void passTime() {
-  (void)becomesTrue([start = monotonicTime()] { return monotonicTime() - start >= 3000; });
 }
 
 // True while the thread sleeps in the kernel.
@@ -69,7 +67,6 @@ TEST(ThreadName, TheSystemRefusesLongOnesTheStandInToo) {
 }
 
 TEST(Mutex, HoldThresholds) {
-  setContentionHandler(&noteContention);
   setLongHoldHandler(&noteLongHold);
   ASSERT_TRUE(setThreadName("holder"));
   const struct {
@@ -78,8 +75,7 @@ TEST(Mutex, HoldThresholds) {
     const char *timed, *portable;
   } cases[] = {{"a", kDay, 1, "a,holder,1", "a,holder,1"},
                {"", 0, 500, "<unnamed mutex>,holder,500", ""},
-               {nullptr, kDay, 0, "<unnamed mutex>,holder,0", ""},
-               {"b", kDay, -5, "b,holder,0", ""},
+               {nullptr, kDay, -5, "<unnamed mutex>,holder,0", ""},
                {"c", kDay, kDay, "", ""}};
   const auto reportOf = [](Lockable* mutex) {
     long_hold.clear();
@@ -135,7 +131,6 @@ TEST(Mutex, KeepsThreadsApart) {
 }
 
 TEST(Mutex, DefaultHandlers) {
-  setLongHoldHandler(&noteLongHold);
   setLongHoldHandler(nullptr);
   TimedMutex mutex("d", kDay, 0);
   testing::internal::CaptureStderr();
