@@ -16,22 +16,16 @@ namespace {
 const std::string kNul(1, '\0');
 
 TEST(ConfigText, HelmsmanAddress) {
-  const std::pair<const char*, const char*> cases[] = {
-      {"map_uri=https://h.example:9000\n", "h.example 9000"},
-      {"map_uri=http://h.example:9000/a/b:1\n", "h.example 9000"},
-      {"map_uri=h.example", "h.example 8096"},
-      {"map_uri=\n", " 8096"},
-      {"map_uri=h:\n", "h "},
-      {"map_uri=h:1:2\n", "h 1:2"},
-      {"# map_uri=x\n \t map_uri=https://a:1 \r\nmap_uri=b\n", "a 1"},
-      {"map_uri=h\xc3\xa4x:1\n", "h??x 1"},
-      {"MAP_URI=h\nmap_uri =h\n", " "},
-      {"", " "},
-  };
-  for (const auto& [text, address] : cases) {
+  for (const std::string row :
+       {"map_uri=https://h.example:9000\n -> h.example 9000", "map_uri=h.example -> h.example 8096",
+        "map_uri=http://h.example:9000/a/b:1\n -> h.example 9000", "map_uri=\n ->  8096",
+        "map_uri=h:1:2\n -> h 1:2", "map_uri=h:\n -> h ", "map_uri=h\xc3\xa4x:1\n -> h??x 1",
+        "# map_uri=x\n \t map_uri=https://a:1 \r\nmap_uri=b\n -> a 1",
+        "MAP_URI=h\nmap_uri =h\n -> none", " -> none"}) {
+    const std::string text = row.substr(0, row.find(" -> "));
     std::string port = "old", host = port;
-    EXPECT_EQ(parseHelmsmanAddress(text, &host, &port), std::string(address) != " ") << text;
-    EXPECT_EQ(host + " " + port, address) << text;
+    const bool found = parseHelmsmanAddress(text, &host, &port);
+    EXPECT_EQ(text + " -> " + (found ? host + " " + port : host + port + "none"), row);
   }
 }
 
@@ -68,31 +62,23 @@ TEST(ConfigText, RewritingKeepsWhatItDoesNotOwn) {
 }
 
 TEST(NetworkInterfaces, Candidates) {
-  const struct {
-    const char* name;
-    sa_family_t family;
-    const char* address;
-    unsigned flags;
-    bool taken;
-  } cases[] = {{"eth0", AF_INET, "10.0.0.1", 0, true},
-               {"lo", AF_INET, "127.0.0.1", IFF_UP | IFF_LOOPBACK, false},
-               {"tapeth0", AF_INET, "10.0.0.1", IFF_UP, false},
-               {"Tap0", AF_INET, "10.0.0.1", IFF_UP, true},
-               {"eth0", AF_INET6, "0.0.0.0", IFF_UP, false},
-               {"eth0", AF_INET, "169.254.10.20", IFF_UP, true},
-               {"eth0", AF_INET, "10.20.254.169", IFF_UP, false}};
-  for (const auto& c : cases) {
+  const auto taken = [](std::string name, int family, const char* host, unsigned flags) {
     sockaddr_in address{};
-    address.sin_family = c.family;
-    ASSERT_EQ(inet_pton(AF_INET, c.address, &address.sin_addr), 1);
-    std::string name = c.name;
+    address.sin_family = static_cast<sa_family_t>(family);
+    EXPECT_EQ(inet_pton(AF_INET, host, &address.sin_addr), 1);
     ifaddrs entry{};
     entry.ifa_name = name.data();
-    entry.ifa_flags = c.flags;
+    entry.ifa_flags = flags;
     EXPECT_FALSE(isUnderlayCandidate(entry)) << "no address";
     entry.ifa_addr = reinterpret_cast<sockaddr*>(&address);
-    EXPECT_EQ(isUnderlayCandidate(entry), c.taken) << c.name << " " << c.address;
-  }
+    return isUnderlayCandidate(entry);
+  };
+  EXPECT_TRUE(taken("eth0", AF_INET, "10.0.0.1", 0));
+  EXPECT_TRUE(taken("Tap0", AF_INET, "169.254.10.20", IFF_UP));
+  EXPECT_FALSE(taken("tapeth0", AF_INET, "10.0.0.1", IFF_UP));
+  EXPECT_FALSE(taken("lo", AF_INET, "127.0.0.1", IFF_UP | IFF_LOOPBACK));
+  EXPECT_FALSE(taken("eth0", AF_INET6, "0.0.0.0", IFF_UP));
+  EXPECT_FALSE(taken("eth0", AF_INET, "10.20.254.169", IFF_UP));
 }
 
 }  // namespace

@@ -1,9 +1,7 @@
 #include <gtest/gtest.h>
 
-#include <array>
-#include <cstdint>
+#include <sstream>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "core/CommandCore.h"
@@ -43,77 +41,67 @@ class SampleCommand final : public TunadmCommandInstance {
 };
 
 // The details of the failure, empty for success. The first `naming` words name the command.
-std::string bindWords(SampleCommand* command, const Lines& words, std::size_t naming = 0) {
+std::string bindWords(SampleCommand* command, const std::string& line, std::size_t naming = 0) {
   const ScopedJson array(makeArray());
-  for (const std::string& word : words) appendString(array.get(), std::string_view(word));
+  std::istringstream words(line);
+  for (std::string word; words >> word;) appendString(array.get(), std::string_view(word));
   const Status status = bindCommandWords(command, array.get(), naming);
   EXPECT_EQ(status.code(), status.ok() ? 1 : 0x10000003);
   return status.details();
 }
 
 TEST(Binding, Words) {
-  const std::pair<Lines, const char*> cases[] = {
-      {{"needed=x", "=lost", ""}, ""},
-      {{}, "illegal or missing parameter: needed"},
-      {{"needed"}, "parameter value required"},
-      {{"needed=<single-word-command-absent>"}, "parameter value required"},
-      {{"needed=x", "foo=1"}, "disregarding unused input: foo"},
-      {{"foo", "number=x"}, "disregarding unused input: foo"},
-      {{"needed=x", "truth=maybe"}, "illegal value presented: \"maybe\""},
-      {{"needed=x", "number="}, "illegal value presented: \"\""},
-      {{"needed=x", "word=perhaps"}, "illegal single-word input: \"perhaps\""},
-      {{"needed=", "command_name=x", "auth=a", "requestID=1", "output=o"}, ""},
-  };
-  for (const auto& [words, details] : cases) {
+  for (const std::string row :
+       {"needed=x =lost -> ", "needed= command_name=x auth=a requestID=1 output=o -> ",
+        " -> illegal or missing parameter: needed", "needed -> parameter value required",
+        "needed=<single-word-command-absent> -> parameter value required",
+        "needed=x foo=1 -> disregarding unused input: foo",
+        "foo number=x -> disregarding unused input: foo",
+        "needed=x truth=maybe -> illegal value presented: \"maybe\"",
+        "needed=x number= -> illegal value presented: \"\"",
+        "needed=x word=perhaps -> illegal single-word input: \"perhaps\""}) {
     SampleCommand command;
-    EXPECT_EQ(bindWords(&command, words), details);
+    const std::string line = row.substr(0, row.find(" -> "));
+    EXPECT_EQ(line + " -> " + bindWords(&command, line), row);
   }
   SampleCommand command;  // What is bound before a failure stays, and the last value counts.
-  EXPECT_NE(bindWords(&command, {"number=5", "number2=6", "text=new"}), "");
+  EXPECT_NE(bindWords(&command, "number=5 number2=6 text=new"), "");
   EXPECT_EQ(command.number.value(), 5);
   EXPECT_FALSE(command.text.presented());
-  EXPECT_EQ(bindWords(&command, {"text=first", "needed=b=c", "word", "text=last"}), "");
+  EXPECT_EQ(bindWords(&command, "text=first needed=b=c word text=last"), "");
   EXPECT_EQ(command.text.value() + command.needed.value(), "lastb=c");
   EXPECT_TRUE(command.word.present());
 }
 
 TEST(Binding, JsonValues) {
   SampleCommand command;
-  const auto bound = [&command](const std::string& member) {
+  for (const std::string row :
+       {R"("number": 3.9 -> 3)", R"("number": -3.9 -> -3)", R"("number": 1e300 -> 2147483647)",
+        R"("number": -1e300 -> -2147483648)", R"("truth": 1 -> illegal value presented: 1)",
+        R"("number": true -> illegal value presented: true)",
+        R"("text": 2.5 -> illegal value presented: 2.500000)",
+        R"("text": null -> illegal value presented: null)",
+        R"("word": true -> illegal single-word input: true)"}) {
+    const std::string member = row.substr(0, row.find(" -> "));
     const ScopedJson object(parseJson((R"({"needed": "x", )" + member + "}").c_str(), -1));
-    return bind_json_args(&command, object.get()).details();
-  };
-  const std::pair<const char*, int> numbers[] = {
-      {"3.9", 3}, {"-3.9", -3}, {"1e300", INT32_MAX}, {"-1e300", INT32_MIN}};
-  for (const auto& [text, number] : numbers) {
-    EXPECT_EQ(bound(std::string("\"number\": ") + text), "");
-    EXPECT_EQ(command.number.value(), number);
+    const Status bound = bind_json_args(&command, object.get());
+    const std::string number = std::to_string(command.number.value());
+    EXPECT_EQ(member + " -> " + (bound.ok() ? number : bound.details()), row);
   }
-  const std::pair<const char*, const char*> others[] = {
-      {R"("truth": false)", ""},
-      {R"("truth": 1)", "illegal value presented: 1"},
-      {R"("number": true)", "illegal value presented: true"},
-      {R"("text": 2.5)", "illegal value presented: 2.500000"},
-      {R"("text": null)", "illegal value presented: null"},
-      {R"("word": true)", "illegal single-word input: true"}};
-  for (const auto& [member, details] : others) EXPECT_EQ(bound(member), details);
-  EXPECT_FALSE(command.truth.value());
   const ScopedJson no_words(parseJson("[4]", -1));
   EXPECT_EQ(bindCommandWords(&command, no_words.get(), 0).details(), "parameter not a string");
 }
 
 TEST(Binding, OptionsCountInTheirPlaceOnTheLine) {
-  using FourFlags = std::array<bool, 4>;  // quiet, verbose, json, text
-  const std::pair<Lines, FourFlags> cases[] = {
-      {{"a", "b", "--quiet", "--verbose"}, {false, true, false, false}},
-      {{"a", "b", "--verbose", "--quiet", "--json", "--text"}, {true, false, false, true}},
-      {{"a", "--quiet", "--text", "--json"}, {true, false, true, false}},
-  };
-  for (const auto& [words, expected] : cases) {
+  for (const std::string row : {"a b --quiet --verbose -> v", "a --quiet --text --json -> qj",
+                                "a b --verbose --quiet --json --text -> qt"}) {
     SampleCommand command;
-    EXPECT_NE(bindWords(&command, words, 2), "");
+    const std::string line = row.substr(0, row.find(" -> "));
+    EXPECT_NE(bindWords(&command, line, 2), "");
     const OutputFlags& flags = command.flags();
-    EXPECT_EQ((FourFlags{flags.quiet, flags.verbose, flags.json, flags.text}), expected);
+    std::string shown = flags.quiet ? "q" : "";
+    shown.append(flags.verbose ? "v" : "").append(flags.json ? "j" : "");
+    EXPECT_EQ(line + " -> " + shown + (flags.text ? "t" : ""), row);
   }
 }
 
@@ -122,11 +110,9 @@ TEST(Params, Texts) {
   for (const char* text : {"2147483648", "-2147483649", "", " ", "+", "+-1", "1x", "1 ", "0x10"}) {
     EXPECT_FALSE(command.number.setFromText(text)) << text;
   }
-  const std::pair<const char*, int> taken[] = {
-      {"+7", 7}, {" \t\v12", 12}, {"-2147483648", INT32_MIN}, {"2147483647", INT32_MAX}};
-  for (const auto& [text, number] : taken) {
+  for (const char* text : {"7", "+7", " \t\v7", "007"}) {
     EXPECT_TRUE(command.number.setFromText(text)) << text;
-    EXPECT_EQ(command.number.value(), number) << text;
+    EXPECT_EQ(command.number.value(), 7) << text;
   }
   bool expected = true;  // each text below turns over what the one before it set
   for (const char* text : {"false", "TRUE", "No", "yes", "oFF", "On"}) {
@@ -142,31 +128,25 @@ TEST(Params, Texts) {
 }
 
 TEST(Rendering, StatusLinesByModeAndFieldsOfASuccess) {
-  const Lines fields = {"unset: ", "flag: false", "list:", "one", "  two", "free text"};
+  const auto rendered = [](const char* option, const Status& status) {
+    SampleCommand command;
+    EXPECT_TRUE(command.applyOption(option));
+    command.statusField().status() = status;
+    Lines lines;
+    command.render(&lines);
+    return lines;
+  };
   const std::string method = "method: sample command";
   const std::string text = "status_text: invalid argument (no value)";
   const std::string code = "status_code: 0x10000003";
-  const struct {
-    const char* option;
-    StatusCode code;
-    Lines status;
-  } cases[] = {
-      {"--quiet", kSuccess, {}},
-      {"--verbose", kSuccess, {method, "status_text: success", "status_code: 0x00000001"}},
-      {"--text", kInvalidArgument, {text, code}},
-      {"--quiet", kInvalidArgument, {code}},
-      {"--verbose", kInvalidArgument, {method, text, code}},
-  };
-  for (const auto& c : cases) {
-    SampleCommand command;
-    EXPECT_TRUE(command.applyOption(c.option));
-    command.statusField().status() = Status(c.code, c.code == kSuccess ? "" : "no value", "");
-    Lines expected = c.status;
-    if (c.code == kSuccess) expected.insert(expected.end(), fields.begin(), fields.end());
-    Lines lines;
-    command.render(&lines);
-    EXPECT_EQ(lines, expected) << c.option << c.code;
-  }
+  const Status failed(kInvalidArgument, "no value", "");
+  EXPECT_EQ(rendered("--text", failed), (Lines{text, code}));
+  EXPECT_EQ(rendered("--quiet", failed), (Lines{code}));
+  EXPECT_EQ(rendered("--verbose", failed), (Lines{method, text, code}));
+  Lines fields = {"unset: ", "flag: false", "list:", "one", "  two", "free text"};
+  EXPECT_EQ(rendered("--quiet", Status(kSuccess)), fields);
+  fields.insert(fields.begin(), {method, "status_text: success", "status_code: 0x00000001"});
+  EXPECT_EQ(rendered("--verbose", Status(kSuccess)), fields);
   Lines lines;
   SampleCommand().render(&lines);  // one that never sets its status has failed
   EXPECT_EQ(lines, (Lines{"status_text: application error", "status_code: 0x12000001"}));
@@ -186,27 +166,19 @@ TEST(StatusText, OfTheModuleElseOfTheCategory) {
   registerStatusTexts(kProgramModule, [](StatusCode code) -> const char* {
     return code == codeOf(0x12001fff) ? "from the second" : nullptr;
   });
-  const std::pair<unsigned, const char*> cases[] = {
-      {0x00000001, "success"},
-      {0x00000000, "invalid status code"},
-      {0x14000002, "stdlib error: opendir"},
-      {0x1400000b, "stdlib error: waitpid"},
-      {0x14000013, "stdlib error: system"},
-      {0x00001002, "profile is currently running"},
-      {0x12001001, "profile not found"},
-      {0x12001fff, "from the second"},
-      {0x00000003, "generic success"},
-      {0x10000099, "generic client error"},
-      {0x12002001, "generic application error"},
-      {0x14000099, "generic host error"},
-      {0x16000099, "generic external-dependency error"},
-      {0x20000002, "unrecognized informational status code"},
-      {0x22000001, "unrecognized transient-error status code"},
-      {0x24000009, "unrecognized internal-error status code"},
-      {0x15000000, "generic error code"},
-      {0x17000000, "unrecognized status code value"},
-      {0x80000000, "integer is not a status code"}};
-  for (const auto& [code, text] : cases) EXPECT_STREQ(statusText(codeOf(code)), text) << code;
+  for (const std::string row :
+       {"00000001 success", "00000000 invalid status code", "14000002 stdlib error: opendir",
+        "14000013 stdlib error: system", "00001002 profile is currently running",
+        "12001001 profile not found", "12001fff from the second", "00000003 generic success",
+        "10000099 generic client error", "12002001 generic application error",
+        "14000099 generic host error", "16000099 generic external-dependency error",
+        "15000000 generic error code", "20000002 unrecognized informational status code",
+        "22000001 unrecognized transient-error status code",
+        "24000009 unrecognized internal-error status code",
+        "17000000 unrecognized status code value", "80000000 integer is not a status code"}) {
+    const auto code = static_cast<unsigned>(std::stoul(row, nullptr, 16));
+    EXPECT_EQ(statusText(codeOf(code)), row.substr(9)) << row;
+  }
 }
 
 TEST(RequestForm, BuiltFromWords) {
