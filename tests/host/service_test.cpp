@@ -25,6 +25,9 @@ namespace {
 using Lines = std::vector<std::string>;
 
 const std::string kStart = "/bin/systemctl systemctl start quenlay\n";
+// Stop and start, by the other init system that this host has the programs of.
+const std::string kInitd =
+    "/usr/bin/killall killall /usr/sbin/quenlay\n/etc/init.d/quenlay quenlay start\n";
 const std::string kStop = "/bin/systemctl systemctl stop quenlay\n";
 
 const std::string kRefusedRunning =
@@ -47,7 +50,8 @@ enum class Daemon { kDown, kUp, kUnknown };
 struct ServiceHost : TestHost {
   explicit ServiceHost(Daemon daemon = Daemon::kDown) {
     factory().profile("one", "one").profile("two", "two").file(".current", "one\n", 0666);
-    file("/opt/vrx/.systemctl", "").standIn("/bin/systemctl").standIn("/etc/init.d/quenlay");
+    file("/opt/vrx/.systemctl", "").standIn("/bin/systemctl").standIn("/usr/bin/killall");
+    standIn("/etc/init.d/quenlay");
     if (daemon == Daemon::kUp) file("one/hipvars.txt", times(0, 5));
     if (daemon == Daemon::kUnknown) file("one/hipvars.txt", "uptime.now=1\n");
   }
@@ -72,12 +76,12 @@ TEST(ChildProcess, StatusesOfItsEnd) {
   for (const pid_t no_child : {0, getpid()}) {
     EXPECT_EQ(outcomeStatus(waitForChild(no_child)).code(), 0x1400000b);
   }
-  const std::pair<int, StatusCode> bundles[] = {{0, 0x00000001},
-                                                {-1, 0x14000013},
-                                                {W_EXITCODE(127, 0), 0x14000013},
-                                                {W_EXITCODE(126, 0), 0x12000001},
-                                                {15, 0x12000001}};
-  for (const auto& [result, code] : bundles) EXPECT_EQ(bundleStatus(result).code(), code);
+  for (const int not_run : {-1, W_EXITCODE(127, 0)}) {
+    EXPECT_EQ(bundleStatus(not_run).code(), 0x14000013);
+  }
+  for (const int failed : {W_EXITCODE(126, 0), 15}) {
+    EXPECT_EQ(bundleStatus(failed).code(), 0x12000001);
+  }
 }
 
 TEST(Service, EachInitSystemIsCalledInItsOwnWay) {
@@ -100,16 +104,6 @@ TEST(Service, EachInitSystemIsCalledInItsOwnWay) {
       EXPECT_EQ(host.says("service " + verb + " sys=" + system), calls.empty() ? kNonzero : "");
     }
     EXPECT_EQ(host.read("/tmp/calls"), calls);
-  }
-}
-
-TEST(Service, ProfileCommandsUseTheInitSystemThatIsNamed) {
-  for (const std::string line : {"profile activate two", "profile modify one activate",
-                                 "profile create new helmsman=h activate"}) {
-    ServiceHost host(Daemon::kUp);
-    host.standIn("/sbin/initctl");
-    EXPECT_EQ(host.says(line + " sys=upstart").find("status_code"), std::string::npos);
-    EXPECT_EQ(host.calls(), "/sbin/initctl initctl stop hip\n/sbin/initctl initctl start hip\n");
   }
 }
 
@@ -220,16 +214,16 @@ TEST(ServiceStatus, Branches) {
 TEST(Activate, CallsByProfileAndDaemon) {
   const struct {
     Daemon daemon;
-    const char* selector;
+    const char* words;
     std::string calls, current;
   } cases[] = {{Daemon::kUp, "one", "", "one"},
                {Daemon::kDown, "--active", kStart, "one"},
                {Daemon::kUnknown, "dir=one", kStart, "one"},
-               {Daemon::kUp, "two", kStop + kStart, "two"},
+               {Daemon::kUp, "two sys=initd", kInitd, "two"},
                {Daemon::kDown, "two", kStop + kStart, "two"}};
   for (const auto& c : cases) {
     ServiceHost host(c.daemon);
-    EXPECT_EQ(host.says(std::string("profile activate ") + c.selector),
+    EXPECT_EQ(host.says(std::string("profile activate ") + c.words),
               "profile_name: " + c.current + "\n");
     EXPECT_EQ(host.calls() + host.read(".current"), c.calls + c.current + "\n");
   }
@@ -243,7 +237,7 @@ TEST(Activate, CallsByProfileAndDaemon) {
 }
 
 TEST(Create, WithActivate) {
-  const char* const create = "profile create new helmsman=h activate --quiet";
+  const std::string create = "profile create new helmsman=h activate --quiet";
   for (const Daemon daemon : {Daemon::kDown, Daemon::kUp, Daemon::kUnknown}) {
     const bool down = daemon == Daemon::kDown;
     ServiceHost host(daemon);
@@ -258,8 +252,8 @@ TEST(Create, WithActivate) {
   }
   ServiceHost host;
   host.block(".current");
-  EXPECT_EQ(host.says(create), "status_code: 0x12000001\n");
-  EXPECT_EQ(host.calls(), kStart);
+  EXPECT_EQ(host.says(create + " sys=initd"), "status_code: 0x12000001\n");
+  EXPECT_EQ(host.calls(), "/etc/init.d/quenlay quenlay start\n");
 }
 
 TEST(Delete, TheLastOneIsReplaced) {
@@ -343,7 +337,7 @@ TEST(Modify, RestartAroundTheChange) {
     std::string out;  // what it begins with
   } cases[] = {
       {Daemon::kDown, "", "one", "details:"},
-      {Daemon::kUp, "", "one invitation=x", "details:"},
+      {Daemon::kUp, "", "one invitation=x sys=initd", "details:"},
       {Daemon::kUnknown, "exit 1\nexit 0\n", "two log_level=info", kNonzero},
       {Daemon::kUnknown, "exit 1\nexit 0\n", "two log_level=bad", kNonzero},
       {Daemon::kUnknown, "exit 0\nexit 1\n", "two log_level=info", kNonzero},
@@ -354,7 +348,9 @@ TEST(Modify, RestartAroundTheChange) {
     host.file("/tmp/stand-in-end", c.ends);
     const std::string out = host.says(std::string("profile modify ") + c.words + " activate");
     EXPECT_EQ(out.substr(0, c.out.size()), c.out);
-    EXPECT_EQ(host.calls(), c.daemon == Daemon::kDown ? kStart : kStop + kStart);
+    EXPECT_EQ(host.calls(), c.daemon == Daemon::kDown ? kStart
+                            : c.daemon == Daemon::kUp ? kInitd
+                                                      : kStop + kStart);
     // The stopped daemon's state is cleared.
     EXPECT_EQ(host.exists("one/hipvars.txt"), c.daemon == Daemon::kUnknown);
   }
@@ -362,10 +358,12 @@ TEST(Modify, RestartAroundTheChange) {
 
 TEST(Reset, RemovesStateFiles) {
   ServiceHost host;
-  const Lines files = {"m2_cache", "sadb.state", "hip.state", "peers", "map.state", "hipvars.txt"};
-  for (const std::string& file : files) host.file("two/" + file, "");
-  EXPECT_EQ(host.says("support reset two"), "profile_name: two\n");
-  for (const std::string& file : files) EXPECT_FALSE(host.exists("two/" + file)) << file;
+  for (const std::string file :
+       {"m2_cache", "sadb.state", "hip.state", "peers", "map.state", "hipvars.txt"}) {
+    host.file("two/" + file, "");
+    EXPECT_EQ(host.says("support reset two"), "profile_name: two\n");
+    EXPECT_FALSE(host.exists("two/" + file)) << file;
+  }
   EXPECT_TRUE(host.exists("two/hip.conf"));
 }
 

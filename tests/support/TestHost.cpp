@@ -36,14 +36,10 @@ bool becomeOrdinaryUser() {
   return unshare(CLONE_NEWUSER) == 0 && geteuid() != 0;
 }
 
-std::vector<std::string> split(const std::string& line) {
-  std::vector<std::string> words(1);
-  for (const char byte : line) {
-    if (byte == ' ') {
-      words.emplace_back();
-    } else {
-      words.back() += byte;
-    }
+std::vector<std::string> split(std::string line) {
+  std::vector<std::string> words;
+  for (line += ' '; !line.empty(); line.erase(0, words.back().size() + 1)) {
+    words.push_back(line.substr(0, line.find(' ')));
   }
   return words;
 }
@@ -80,9 +76,7 @@ TestHost::TestHost() {
       fs::remove_all(entry.path(), ignored);
     }
   }
-  for (const char* stand_in : {"/bin/systemctl", "/usr/bin/killall", "/sbin/initctl"}) {
-    fs::remove(stand_in);
-  }
+  for (const char* path : {"/bin/systemctl", "/usr/bin/killall", "/sbin/initctl"}) fs::remove(path);
   fs::create_directories(kProfiles);
 }
 
