@@ -155,27 +155,11 @@ TEST(ConfigControl, RefusalsLeaveTheFileAlone) {
   EXPECT_EQ(host.read("p/hip.conf"), "a\n");
 }
 
-TEST(ConfigControl, HelmsmanForms) {
+TEST(ConfigControl, NothingIsReadWithoutAProfile) {
   TestHost host;
-  for (const auto& [port, line] :
-       {std::pair(65535, "map_uri=https://h:65535\n"), std::pair(65536, "map_uri=https://h\n")}) {
-    host.file("p/mapconfig.static", "old\nlines\n", 0666);
-    EXPECT_TRUE(setHelmsmanAddress("p", "h", port).ok());
-    EXPECT_EQ(host.read("p/mapconfig.static"), line);
-    EXPECT_EQ(host.mode("p/mapconfig.static"), 0640u);
-  }
-}
-
-TEST(ConfigControl, Readers) {
-  TestHost host;
-  host.file("p/device_id", "\nID-7\n").file("p/endbox.conf", "log_level = debug # loud\n");
-  std::string value;
-  EXPECT_TRUE(readDeviceId("p", &value));
-  EXPECT_EQ(value, "ID-7");
-  EXPECT_TRUE(readLogLevel("p", &value));
-  EXPECT_EQ(value, "debug");
   for (const char* dir_name : {"", ".current", "gone"}) {
-    std::string port = value = "old";
+    std::string value = "old";
+    std::string port = value;
     EXPECT_FALSE(readDeviceId(dir_name, &value) || readHelmsmanAddress(dir_name, &value, &port) ||
                  readLogLevel(dir_name, &value) || readMasterInterface(dir_name, &value));
     EXPECT_EQ(value + port, "");

@@ -139,7 +139,8 @@ TEST(Create, ChoosesAFreeNameAndDirectory) {
 TEST(Create, SettingsByWhatIsGiven) {
   TestHost host;
   host.factory().file(".factory/endbox.conf", "activation_code=factory\nx\n");
-  EXPECT_NE(host.says("profile create a helmsman=h:0 invitation=### activate log_level=debug"), "");
+  EXPECT_NE(host.says("profile create a helmsman=h:65536 invitation=### activate log_level=debug"),
+            "");
   EXPECT_EQ(host.read("profile-123123/hip.conf"), "master_interface=auto\n");
   EXPECT_EQ(host.read("profile-123123/endbox.conf"), "x\n");
   EXPECT_EQ(host.read("profile-123123/mapconfig.static"), "map_uri=https://h\n");
@@ -147,7 +148,6 @@ TEST(Create, SettingsByWhatIsGiven) {
   EXPECT_EQ(host.mode(".current"), 0666u);
   EXPECT_NE(host.says("profile create b helmsman=:1 network="), "");
   EXPECT_EQ(host.read("profile-123124/mapconfig.static"), "map_uri=\n");
-  EXPECT_EQ(host.read("profile-123124/endbox.conf"), "activation_code=factory\nx\n");
 }
 
 TEST(Create, CopiesLinksToFilesByContentAndStopsAtTheFirstFailure) {

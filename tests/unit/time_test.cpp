@@ -24,8 +24,7 @@ TEST(Duration, ParseAndFormat) {
       {60000000, {"1m", "1min", "1mins", "1minute", "1minutes"}},
       {3600000000, {"1h", "1hr", "1hrs", "1hour", "1hours"}},
       {-172800000000, {"-2 D", "-2day", "-2DAYS"}},
-      {0, {nullptr, "", "s", "5", "5 sx", "5 s\x80", "5\x80s", "5us", "5 mi", "5 milliss", "5 5"}},
-      {INT64_MAX, {"9223372036855 s", "99999999999999999999 usec"}},
+      {0, {nullptr, "", "s", "5", "5 sx", "5 s\x80", "5\x80s", "5 mi", "5 milliss", "5 5"}},
       {INT64_MIN, {"-9223372036855 s", "-99999999999999999999 d"}}};
   for (const auto& [result, texts] : cases) {
     for (const char* text : texts) EXPECT_EQ(parseDuration(text), result) << text;
