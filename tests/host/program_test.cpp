@@ -63,21 +63,18 @@ TEST(Program, CreatesAndShowsAProfile) {
 
   const std::string profile = "profile-123123/";
   EXPECT_EQ(host.mode(profile), 0755u);
-  const struct {
-    const char* file;
-    mode_t mode;
-    const char* content;
-  } files[] = {
-      {"profile_name", 0640, "office\n"},
-      {"hip.conf", 0644, "master_interface=eth0\n"},
-      {"endbox.conf", 0644,
+  const std::pair<std::string, std::string> files[] = {
+      {"profile_name", "office\n"},
+      {"hip.conf", "master_interface=eth0\n"},
+      {"endbox.conf",
        "device_ip=1.2.3.4\ndevice_mask=255.0.0.0\nlog_level=info\nactivation_code=abc\n"},
-      {"mapconfig.static", 0640, "map_uri=https://10.0.0.1:8096\n"},
-      {"ca-certs/root.pem", 0644, "certificate\n"},
+      {"mapconfig.static", "map_uri=https://10.0.0.1:8096\n"},
+      {"ca-certs/root.pem", "certificate\n"},
   };
-  for (const auto& f : files) {
-    EXPECT_EQ(host.read(profile + f.file), f.content) << f.file;
-    EXPECT_EQ(host.mode(profile + f.file), f.mode) << f.file;
+  for (const auto& [file, content] : files) {
+    EXPECT_EQ(host.read(profile + file), content) << file;
+    const bool written_in_place = file == "profile_name" || file == "mapconfig.static";
+    EXPECT_EQ(host.mode(profile + file), written_in_place ? 0640u : 0644u) << file;
   }
   EXPECT_FALSE(host.exists("/tmp/lock/profiles.lock"));
 

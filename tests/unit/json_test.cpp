@@ -135,22 +135,6 @@ TEST(JsonPrinter, StringsAndTheWordsOfAnArray) {
   EXPECT_EQ(printed(nullptr), "");
 }
 
-TEST(JsonValue, KindsExcludeEachOther) {
-  const ScopedJson all(parseJson(R"([null, true, 5, "s", [], {}])", -1));
-  using Access = jsObject* (*)(jsObject*);
-  const Access accesses[] = {asNull, asBoolean, asNumber, asString, asArray, asObject};
-  for (std::size_t i = 0; i < 7; ++i) {
-    jsObject* value = arrayAt(all.get(), i);  // in the end a null pointer
-    for (std::size_t kind = 0; kind < 6; ++kind) {
-      EXPECT_EQ(accesses[kind](value), i == kind ? value : nullptr) << i << kind;
-    }
-    EXPECT_EQ(numberValue(value), i == 2 ? 5.0 : 0.0);
-    EXPECT_EQ(booleanValue(value), i == 1);
-    EXPECT_STREQ(stringText(value), i == 3 ? "s" : "");
-    EXPECT_EQ(arraySize(value) + objectSize(value), 0u);
-  }
-}
-
 TEST(JsonValue, SharedInstancesOutliveTheirRelease) {
   for (int round = 0; round < 2; ++round) {  // the second one meets what the first has released
     const ScopedJson holders[] = {ScopedJson(makeNull()), ScopedJson(makeBoolean(true)),
