@@ -23,7 +23,9 @@ std::vector<std::string> enumerated(std::string_view left_out = {}) {
   ProfileList list;
   EXPECT_TRUE(enumerateProfiles(&list, left_out));
   std::vector<std::string> lines;
-  for (const auto& [dir_name, profile_name] : list) lines.push_back(dir_name + ": " + profile_name);
+  for (const auto& [dir_name, profile_name] : list) {
+    lines.emplace_back(dir_name).append(": ").append(profile_name);
+  }
   return lines;
 }
 

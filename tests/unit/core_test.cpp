@@ -101,7 +101,7 @@ TEST(Binding, OptionsCountInTheirPlaceOnTheLine) {
     const OutputFlags& flags = command.flags();
     std::string shown = flags.quiet ? "q" : "";
     shown.append(flags.verbose ? "v" : "").append(flags.json ? "j" : "");
-    EXPECT_EQ(line + " -> " + shown + (flags.text ? "t" : ""), row);
+    EXPECT_EQ(shown.append(flags.text ? "t" : ""), row.substr(row.find(" -> ") + 4)) << row;
   }
 }
 
