@@ -19,11 +19,10 @@ std::string contentOf(const char* path) {
 
 void recordCall(char** arguments) {
   std::error_code unknown;  // shows as a line that begins with a blank
-  std::string call = std::filesystem::read_symlink("/proc/self/exe", unknown);
-  for (char** argument = arguments; *argument != nullptr; ++argument) {
-    call.append(" ").append(*argument);
-  }
-  std::ofstream("/tmp/calls", std::ios::app) << call << '\n';
+  std::ofstream calls("/tmp/calls", std::ios::app);
+  calls << std::filesystem::read_symlink("/proc/self/exe", unknown).string();
+  for (; *arguments != nullptr; ++arguments) calls << ' ' << *arguments;
+  calls << '\n';
 }
 
 // An order that cannot be read is no success.

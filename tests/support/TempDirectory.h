@@ -3,8 +3,8 @@
 
 #include <stdlib.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -17,7 +17,7 @@ class TempDirectory {
  public:
   TempDirectory() {
     char path[] = "/tmp/tunadm-test.XXXXXX";
-    if (mkdtemp(path) == nullptr) std::abort();
+    if (mkdtemp(path) == nullptr) abort();
     path_ = path;
   }
   ~TempDirectory() {
@@ -30,9 +30,17 @@ class TempDirectory {
   const std::string& path() const { return path_; }
   std::string at(const std::string& name) const { return path_ + "/" + name; }
 
-  // Creates or replaces the file and gives its path.
+  // Each of these makes an entry and gives its path.
   std::string write(const std::string& name, const std::string& content) const {
     std::ofstream(at(name), std::ios::binary) << content;
+    return at(name);
+  }
+  std::string link(const std::string& target, const std::string& name) const {
+    if (symlink(target.c_str(), at(name).c_str()) != 0) abort();
+    return at(name);
+  }
+  std::string directory(const std::string& name) const {
+    std::filesystem::create_directories(at(name));
     return at(name);
   }
 

@@ -1,0 +1,195 @@
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "core/CommandCore.h"
+#include "core/ProgramStatus.h"
+#include "core/RequestForm.h"
+#include "core/StatusText.h"
+#include "json/JsonParser.h"
+#include "json/JsonPrinter.h"
+
+namespace tunadm {
+namespace {
+
+using Lines = std::vector<std::string>;
+
+StatusCode codeOf(unsigned bits) { return static_cast<StatusCode>(bits); }
+
+// One parameter and one result field of each kind.
+class SampleCommand final : public TunadmCommandInstance {
+ public:
+  SampleCommand() : TunadmCommandInstance("sample command") {
+    list_.lines() = {"one", "  two"};
+    headless_.lines() = {"free text"};
+  }
+  void execute(StatusCodeResultField&) override {}
+
+  StringParam text{paramList(), "text", "old", Required::kNo};
+  IntParam number{paramList(), "number", 41, Required::kNo};
+  BoolParam truth{paramList(), "truth", true, Required::kNo};
+  SingleWordParam word{paramList(), "word"};
+  StringParam needed{paramList(), "needed", "", Required::kYes};
+
+ private:
+  StringResult unset_{resultList(), "unset"};
+  BoolResult flag_{resultList(), "flag"};
+  StringVectorResultField list_{resultList(), "list"};
+  StringVectorResultField headless_{resultList(), "_headless"};
+};
+
+// The details of the failure, empty for success. The first `naming` words name the command.
+std::string bindWords(SampleCommand* command, const std::string& line, std::size_t naming = 0) {
+  const ScopedJson array(makeArray());
+  std::istringstream words(line);
+  for (std::string word; words >> word;) appendString(array.get(), std::string_view(word));
+  const Status status = bindCommandWords(command, array.get(), naming);
+  EXPECT_EQ(status.code(), status.ok() ? 1 : 0x10000003);
+  return status.details();
+}
+
+TEST(Binding, Words) {
+  for (const std::string row :
+       {"needed=x =lost -> ", "needed= command_name=x auth=a requestID=1 output=o -> ",
+        " -> illegal or missing parameter: needed", "needed -> parameter value required",
+        "needed=<single-word-command-absent> -> parameter value required",
+        "needed=x foo=1 -> disregarding unused input: foo",
+        "foo number=x -> disregarding unused input: foo",
+        "needed=x truth=maybe -> illegal value presented: \"maybe\"",
+        "needed=x number= -> illegal value presented: \"\"",
+        "needed=x word=perhaps -> illegal single-word input: \"perhaps\""}) {
+    SampleCommand command;
+    const std::string line = row.substr(0, row.find(" -> "));
+    EXPECT_EQ(line + " -> " + bindWords(&command, line), row);
+  }
+  SampleCommand command;  // What is bound before a failure stays, and the last value counts.
+  EXPECT_NE(bindWords(&command, "number=5 number2=6 text=new"), "");
+  EXPECT_EQ(command.number.value(), 5);
+  EXPECT_FALSE(command.text.presented());
+  EXPECT_EQ(bindWords(&command, "text=first needed=b=c word text=last"), "");
+  EXPECT_EQ(command.text.value() + command.needed.value(), "lastb=c");
+  EXPECT_TRUE(command.word.present());
+}
+
+TEST(Binding, JsonValues) {
+  SampleCommand command;
+  for (const std::string row :
+       {R"("number": 3.9 -> 3)", R"("number": -3.9 -> -3)", R"("number": 1e300 -> 2147483647)",
+        R"("number": -1e300 -> -2147483648)", R"("truth": 1 -> illegal value presented: 1)",
+        R"("number": true -> illegal value presented: true)",
+        R"("text": 2.5 -> illegal value presented: 2.500000)",
+        R"("text": null -> illegal value presented: null)",
+        R"("word": true -> illegal single-word input: true)"}) {
+    const std::string member = row.substr(0, row.find(" -> "));
+    const ScopedJson object(parseJson((R"({"needed": "x", )" + member + "}").c_str(), -1));
+    const Status bound = bind_json_args(&command, object.get());
+    const std::string number = std::to_string(command.number.value());
+    EXPECT_EQ(member + " -> " + (bound.ok() ? number : bound.details()), row);
+  }
+  const ScopedJson no_words(parseJson("[4]", -1));
+  EXPECT_EQ(bindCommandWords(&command, no_words.get(), 0).details(), "parameter not a string");
+}
+
+TEST(Binding, OptionsCountInTheirPlaceOnTheLine) {
+  for (const std::string row : {"a b --quiet --verbose -> v", "a --quiet --text --json -> qj",
+                                "a b --verbose --quiet --json --text -> qt"}) {
+    SampleCommand command;
+    const std::string line = row.substr(0, row.find(" -> "));
+    EXPECT_NE(bindWords(&command, line, 2), "");
+    const OutputFlags& flags = command.flags();
+    std::string shown = flags.quiet ? "q" : "";
+    shown.append(flags.verbose ? "v" : "").append(flags.json ? "j" : "");
+    EXPECT_EQ(shown.append(flags.text ? "t" : ""), row.substr(row.find(" -> ") + 4)) << row;
+  }
+}
+
+TEST(Params, Texts) {
+  SampleCommand command;
+  for (const char* text : {"2147483648", "-2147483649", "", " ", "+", "+-1", "1x", "1 ", "0x10"}) {
+    EXPECT_FALSE(command.number.setFromText(text)) << text;
+  }
+  for (const char* text : {"7", "+7", " \t\v7", "007"}) {
+    EXPECT_TRUE(command.number.setFromText(text)) << text;
+    EXPECT_EQ(command.number.value(), 7) << text;
+  }
+  bool expected = true;  // each text below turns over what the one before it set
+  for (const char* text : {"false", "TRUE", "No", "yes", "oFF", "On"}) {
+    EXPECT_TRUE(command.truth.setFromText(text)) << text;
+    EXPECT_EQ(command.truth.value(), expected = !expected) << text;
+  }
+  for (const char* text : {"False", "TRUE", "<single-word-command-absent>",
+                           "<single-word-command-present>", "", "true"}) {
+    EXPECT_TRUE(command.word.setFromText(text)) << text;
+    EXPECT_EQ(command.word.present(), expected = !expected) << text;
+  }
+  EXPECT_FALSE(command.truth.setFromText("") || command.word.setFromText("yes"));
+}
+
+Lines linesOf(const SampleCommand& command) {
+  Lines lines;
+  command.render([&lines](std::string_view line) { lines.emplace_back(line); });
+  return lines;
+}
+
+TEST(Rendering, StatusLinesByModeAndFieldsOfASuccess) {
+  const auto rendered = [](const char* option, const Status& status) {
+    SampleCommand command;
+    EXPECT_TRUE(command.applyOption(option));
+    command.statusField().status() = status;
+    return linesOf(command);
+  };
+  const std::string method = "method: sample command";
+  const std::string text = "status_text: invalid argument (no value)";
+  const std::string code = "status_code: 0x10000003";
+  const Status failed(kInvalidArgument, "no value", "");
+  EXPECT_EQ(rendered("--text", failed), (Lines{text, code}));
+  EXPECT_EQ(rendered("--quiet", failed), (Lines{code}));
+  EXPECT_EQ(rendered("--verbose", failed), (Lines{method, text, code}));
+  Lines fields = {"unset: ", "flag: false", "list:", "one", "  two", "free text"};
+  EXPECT_EQ(rendered("--quiet", Status(kSuccess)), fields);
+  fields.insert(fields.begin(), {method, "status_text: success", "status_code: 0x00000001"});
+  EXPECT_EQ(rendered("--verbose", Status(kSuccess)), fields);
+  EXPECT_EQ(linesOf(SampleCommand()),  // one that never sets its status has failed
+            (Lines{"status_text: application error", "status_code: 0x12000001"}));
+}
+
+TEST(StatusText, OfTheModuleElseOfTheCategory) {
+  EXPECT_STREQ(statusText(codeOf(0x12001001)), "generic application error") << "nobody's yet";
+  registerStatusTexts(kProgramModule, &programStatusText);
+  // A later provider of the same module fills the gaps of the first.
+  registerStatusTexts(kProgramModule, [](StatusCode code) -> const char* {
+    return code == codeOf(0x12001fff) ? "from the second" : nullptr;
+  });
+  for (const std::string row :
+       {"00000001 success", "00000000 invalid status code", "14000002 stdlib error: opendir",
+        "14000013 stdlib error: system", "00001002 profile is currently running",
+        "12001001 profile not found", "12001fff from the second", "00000003 generic success",
+        "10000099 generic client error", "12002001 generic application error",
+        "14000099 generic host error", "16000099 generic external-dependency error",
+        "15000000 generic error code", "20000002 unrecognized informational status code",
+        "22000001 unrecognized transient-error status code",
+        "24000009 unrecognized internal-error status code",
+        "17000000 unrecognized status code value", "80000000 integer is not a status code"}) {
+    const StatusCode code = codeOf(static_cast<unsigned>(std::stoul(row, nullptr, 16)));
+    EXPECT_EQ(statusText(code), row.substr(9)) << row;
+    EXPECT_EQ(isSuccess(code), row.rfind("00", 0) == 0) << row;
+  }
+}
+
+TEST(RequestForm, BuiltFromWords) {
+  const char* words[] = {"tunadm", "profile", "create", "p1", "helmsman=h:1=2"};
+  ScopedJson request;
+  EXPECT_EQ(buildRequest(2, words, &request).code(), 0x10000002);
+  EXPECT_EQ(buildRequest(5, words, &request).code(), 1);
+  std::string text;
+  printJson(request.get(), &text);
+  EXPECT_EQ(text,
+            "{ \"method\":\"profile create\", \"p1\":\"<single-word-command-present>\", "
+            "\"helmsman\":\"h:1=2\", "
+            "\"command_args\":[ \"profile\", \"create\", \"p1\", \"helmsman=h:1=2\" ] }");
+}
+
+}  // namespace
+}  // namespace tunadm
