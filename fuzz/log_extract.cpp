@@ -1,0 +1,24 @@
+// The log read from its end against the same read from its start. Two bytes say how, and how long.
+#include "fundkit/LineReader.h"
+#include "fuzz/Fuzz.h"
+#include "service/LogExtract.h"
+
+void tunadm::checkInput(const std::string& text) {
+  if (text.size() < 2) return;
+  const LogLevel threshold = &kLogLevels[(text[0] & 127) % 7];
+  const int wanted = text[0] < 0 ? 100000 : text[0] / 7;
+  std::string log = text.substr(2);
+  // Up to twice the part of the file that is in memory at once.
+  if (text[1] > 64) log += std::string(static_cast<std::size_t>(text[1] % 64) * 8192, 'x') + log;
+  std::vector<std::string> expected;
+  for (const std::string& raw : fgetsLines(log, 4096)) {
+    const std::string_view line = trimGraphic(raw.c_str());
+    if (!line.empty() && parseLevel(line) >= threshold) expected.emplace_back(line);
+  }
+  if (std::ssize(expected) > wanted) expected.erase(expected.begin(), expected.end() - wanted);
+  std::vector<std::string> lines;
+  LogExtract extract;
+  const Status read = extract.find(fileWith(log), wanted, threshold);
+  extract.print([&lines](std::string_view line) { lines.emplace_back(line); });
+  require(read.code() == kSuccess && lines == expected, "the last lines of the level");
+}
