@@ -193,6 +193,11 @@ bool isRealDirectory(const std::string& path) {
   return lstat(path.c_str(), &found) == 0 && S_ISDIR(found.st_mode);
 }
 
+bool isRealFile(const std::string& path) {
+  struct stat found {};
+  return lstat(path.c_str(), &found) == 0 && S_ISREG(found.st_mode);
+}
+
 bool isMissing(const std::string& path) {
   struct stat found {};
   return lstat(path.c_str(), &found) != 0 && errno == ENOENT;

@@ -64,6 +64,7 @@ Status changeDirectory(const std::string& path);
 bool pathExists(const std::string& path);       // A dead link does not exist.
 bool isRegularFile(const std::string& path);    // Links are followed.
 bool isRealDirectory(const std::string& path);  // A link to a directory is none.
+bool isRealFile(const std::string& path);       // A link to a file is none.
 bool isMissing(const std::string& path);        // Only when nothing at all is there for sure.
 
 // Reads a regular file whole, up to 64 MiB. On failure `content` is cleared. Errors: kOpenFailed,
