@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <ctime>
-#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -468,13 +467,6 @@ int exitOf(pid_t child) {
   return waitpid(child, &status, 0) == child ? status : -1;
 }
 
-void runTogether(const TestHost& host, const std::vector<Words>& lines) {
-  std::vector<pid_t> children;
-  children.reserve(lines.size());
-  for (const Words& words : lines) children.push_back(runInBackground(host, words));
-  for (const pid_t child : children) EXPECT_EQ(exitOf(child), 0);
-}
-
 TEST(Concurrency, ChangesWaitForTheLock) {
   for (const Words& words : {Words{"profile", "create", "x", "helmsman=h"},
                              {"profile", "activate", "two"},
@@ -495,33 +487,6 @@ TEST(Concurrency, ChangesWaitForTheLock) {
     }
     EXPECT_EQ(exitOf(child), 0);
   }
-}
-
-TEST(Concurrency, FriendlyNamesStayUnique) {
-  TestHost host;
-  host.factory();
-  const Words create = {"profile", "create", "office", "helmsman=h"};
-  runTogether(host, std::vector<Words>(24, create));
-  std::set<std::string> names;
-  for (int n = 123123; n < 123123 + 24; ++n) {
-    names.insert(host.read("profile-" + std::to_string(n) + "/profile_name"));
-  }
-  EXPECT_EQ(names.size(), 24u);
-  EXPECT_TRUE(names.contains("office\n") && names.contains("office#24\n"));
-
-  std::vector<Words> mix;
-  for (int n = 2; n <= 9; ++n) {
-    const std::string name = "office#" + std::to_string(n);
-    mix.push_back(create);
-    mix.push_back({"profile", "delete", name});
-    mix.push_back({"profile", "rename", name + "1", "new_name=lab"});
-    mix.push_back({"list", "profiles"});
-    mix.push_back({"profile", "modify", "dir=profile-123140", "network=eth" + std::to_string(n)});
-  }
-  runTogether(host, mix);
-  const std::string listed = host.says("list profiles");
-  EXPECT_EQ(std::count(listed.begin(), listed.end(), '\n'), 24 + 3) << listed;
-  EXPECT_EQ(host.read("profile-123140/hip.conf").rfind("master_interface=eth", 0), 0u);
 }
 
 }  // namespace
