@@ -55,11 +55,18 @@ Status bindWords(TunadmCommandInstance* command, const std::vector<std::string>&
   return bindCommandWords(command, array.get(), static_cast<std::size_t>(consumed));
 }
 
+// A write beyond the caller's limit of file size is to fail like one on a full disk, not to end the
+// process halfway through a change. A handler, unlike SIG_IGN, is not passed on to children.
+void surviveFileSizeLimit() {
+  if (std::signal(SIGXFSZ, [](int) {}) == SIG_IGN) (void)std::signal(SIGXFSZ, SIG_IGN);
+}
+
 }  // namespace
 
 int runProgram(int argc, char** argv) {
   fillStandardDescriptors();
   (void)std::signal(SIGCHLD, SIG_DFL);  // a caller that ignores it would take our children's ends
+  surviveFileSizeLimit();
   if (argc < 2) {
     printUsage(argc == 1 ? argv[0] : "tunadm");
     return 0;

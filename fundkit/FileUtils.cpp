@@ -57,6 +57,13 @@ StatusCode copyContent(int source, int destination, off_t size) {
   return kSuccess;
 }
 
+// The old content is cut off only behind the new one: emptied before, the file would stay empty on
+// a full disk or after a kill. What is no regular file has no length to cut.
+bool replaceContent(int file, std::string_view text) {
+  if (!writeAll(file, text)) return false;
+  return ftruncate(file, static_cast<off_t>(text.size())) == 0 || errno == EINVAL;
+}
+
 // Appends to `content` until it holds a byte of `stops` or the file ends. False when reading fails
 // or the content grows beyond `largest`.
 bool readUntil(int descriptor, std::string_view stops, std::size_t largest, std::string* content) {
@@ -148,9 +155,9 @@ Status changeMode(const std::string& path, mode_t mode) {
 
 Status overwriteFile(const std::string& path, std::string_view text) {
   if (path.empty()) return Status(kInvalidArgument);
-  ScopedFd file = openDescriptor(path, O_WRONLY | O_CREAT | O_TRUNC, kNewFileMode);
+  ScopedFd file = openDescriptor(path, O_WRONLY | O_CREAT, kNewFileMode);
   if (!file.valid()) return Status(kOpenFailed);
-  const bool written = writeAll(file.get(), text);
+  const bool written = replaceContent(file.get(), text);
   return Status(written && file.close() == 0 ? kSuccess : kWriteFailed);
 }
 
@@ -158,9 +165,9 @@ Status writeLines(const std::string& path, const std::vector<std::string>& lines
   if (path.empty()) return Status(kInvalidArgument);
   std::string text;
   for (const std::string& line : lines) text.append(line, 0, line.find('\0')).append("\n");
-  ScopedFd file = openDescriptor(path, O_WRONLY | O_CREAT | O_TRUNC, kLinesMode);
+  ScopedFd file = openDescriptor(path, O_WRONLY | O_CREAT, kLinesMode);
   if (!file.valid()) return Status(kOpenFailed);
-  if (!writeAll(file.get(), text)) return Status(kWriteFailed);
+  if (!replaceContent(file.get(), text)) return Status(kWriteFailed);
   (void)fchmod(file.get(), kLinesMode);  // The content is complete whatever the mode.
   return Status(file.close() == 0 ? kSuccess : kWriteFailed);
 }
@@ -191,6 +198,11 @@ bool isRegularFile(const std::string& path) {
 bool isRealDirectory(const std::string& path) {
   struct stat found {};
   return lstat(path.c_str(), &found) == 0 && S_ISDIR(found.st_mode);
+}
+
+bool isRealFile(const std::string& path) {
+  struct stat found {};
+  return lstat(path.c_str(), &found) == 0 && S_ISREG(found.st_mode);
 }
 
 bool isMissing(const std::string& path) {

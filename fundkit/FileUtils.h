@@ -46,12 +46,12 @@ Status makeNewDirectory(const std::string& path, mode_t mode);
 // itself was refused. Error: kChmodFailed.
 Status changeMode(const std::string& path, mode_t mode);
 
-// Creates or truncates the file and writes `text`; an existing file keeps its mode. Errors:
-// kOpenFailed, kWriteFailed.
+// Creates the file or replaces its content, in place, by `text`; an existing file keeps its mode,
+// and its content when nothing can be written. Errors: kOpenFailed, kWriteFailed.
 Status overwriteFile(const std::string& path, std::string_view text);
 
-// Creates or truncates the file and writes each line, up to its first NUL byte, and a line feed;
-// the mode is 0640 afterwards (a failure to set it is ignored). Errors: kOpenFailed, kWriteFailed.
+// The same for each line, up to its first NUL byte, and a line feed; the mode is 0640 afterwards (a
+// failure to set it is ignored). Errors: kOpenFailed, kWriteFailed.
 Status writeLines(const std::string& path, const std::vector<std::string>& lines);
 
 // Error: kGetcwdFailed, with `path` cleared.
@@ -64,6 +64,7 @@ Status changeDirectory(const std::string& path);
 bool pathExists(const std::string& path);       // A dead link does not exist.
 bool isRegularFile(const std::string& path);    // Links are followed.
 bool isRealDirectory(const std::string& path);  // A link to a directory is none.
+bool isRealFile(const std::string& path);       // A link to a file is none.
 bool isMissing(const std::string& path);        // Only when nothing at all is there for sure.
 
 // Reads a regular file whole, up to 64 MiB. On failure `content` is cleared. Errors: kOpenFailed,

@@ -62,6 +62,9 @@ bool setCurrentProfile(std::string_view dir_name) {
   if (!isDirName(dir_name) || dir_name.find('\n') != std::string_view::npos) return false;
   std::string marker;
   (void)currentMarkerPath(&marker);  // cannot fail: the name is a constant
+  // The marker is a file by rule. A link would lead the write and the open mode to another file,
+  // and a FIFO or a device would keep no name.
+  if (!isRealFile(marker) && !removeFile(marker).ok()) return false;
   return writeLines(marker, {std::string(dir_name)}).ok() && changeMode(marker, 0666).ok();
 }
 

@@ -6,7 +6,6 @@
 
 #include <ctime>
 #include <future>
-#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -377,23 +376,6 @@ TEST(Concurrency, ChangesWaitForTheLock) {
     }
     EXPECT_EQ(exit.get(), 0);
   }
-}
-
-TEST(Concurrency, FriendlyNamesStayUnique) {
-  TestHost host;
-  host.factory();
-  std::vector<std::future<int>> exits;
-  for (int n = 0; n < 24; ++n) {
-    exits.push_back(exitInBackground(host, "profile create office helmsman=h"));
-    exits.push_back(exitInBackground(host, "profile rename office#2 new_name=lab"));
-  }
-  for (std::future<int>& exit : exits) EXPECT_EQ(exit.get(), 0);
-  std::set<std::string> names;
-  for (int n = 123123; n < 123123 + 24; ++n) {
-    names.insert(host.read("profile-" + std::to_string(n) + "/profile_name"));
-  }
-  EXPECT_EQ(names.size(), 24u);
-  EXPECT_TRUE(names.contains("office\n"));
 }
 
 }  // namespace

@@ -137,16 +137,21 @@ mode_t TestHost::mode(const std::string& path) const {
 }
 
 Outcome TestHost::run(const std::string& line, RunAs user) const {
+  return runWords(split(line), user);
+}
+
+Outcome TestHost::runWords(const std::vector<std::string>& words, RunAs user) const {
   // Files without a name take any amount of output, so nobody need read while the child writes.
   FILE* const out = tmpfile();
   FILE* const err = tmpfile();
   const pid_t child = fork();
-  if (child == 0) becomeProgram(split(line), user, out, err);
+  if (child == 0) becomeProgram(words, user, out, err);
   int status = 0;
-  EXPECT_TRUE(child > 0 && waitpid(child, &status, 0) == child) << "not run: " << line;
+  EXPECT_TRUE(child > 0 && waitpid(child, &status, 0) == child) << "not run: " << words[0];
   Outcome outcome;
+  if (WIFSIGNALED(status)) outcome.signal = WTERMSIG(status);
   if (WIFEXITED(status)) outcome.exit = WEXITSTATUS(status);
-  EXPECT_NE(outcome.exit, kNotStarted) << "not run: " << line;
+  EXPECT_NE(outcome.exit, kNotStarted) << "not run: " << words[0];
   outcome.out = takeOutput(out);
   outcome.err = takeOutput(err);
   return outcome;

@@ -4,12 +4,14 @@
 #include <sys/types.h>
 
 #include <string>
+#include <vector>
 
 namespace tunadm {
 
-// What a program printed, and its exit code: -1 after a signal.
+// What a program printed, and how it ended: the exit code is -1 after a signal.
 struct Outcome {
   int exit = -1;
+  int signal = 0;
   std::string out;
   std::string err;
 };
@@ -49,6 +51,8 @@ class TestHost {
   // user IDs are not 0; where the machine gave no root it owns root's files all the same, so only
   // a missing mode bit shuts it out.
   Outcome run(const std::string& line, RunAs user = RunAs::kRoot) const;
+  // The same for words that may hold blanks.
+  Outcome runWords(const std::vector<std::string>& words, RunAs user = RunAs::kRoot) const;
   // What tunadm prints when it is run so.
   std::string says(const std::string& words, RunAs user = RunAs::kRoot) const;
 };

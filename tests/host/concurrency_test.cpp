@@ -1,0 +1,111 @@
+// Many processes at once on one store, some of which are killed.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <ctime>
+#include <random>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "tests/support/TestHost.h"
+
+namespace tunadm {
+namespace {
+
+constexpr int kWorkers = 64;
+constexpr int kKillers = 8;
+constexpr int kSeconds = 5;
+
+// Changes a profile of its own, which must be as it left it, and ones that all workers change.
+void work(const TestHost& host, const std::string& own, time_t deadline) {
+  std::string name = own;
+  const auto change = [&](const char* verb, const std::string& more) {
+    const std::string out = host.says(std::string("profile ") + verb + " " + name + " " + more);
+    EXPECT_EQ(out.find("status_code"), std::string::npos) << verb << " " << name << ":\n" << out;
+  };
+  change("create", "helmsman=h");
+  for (int round = 1; round == 1 || time(nullptr) < deadline; ++round) {
+    const std::string number = std::to_string(round);
+    const std::string next = own + number;
+    change("rename", "new_name=" + next);
+    name = next;
+    change("modify", "network=eth" + number);
+    for (const char* shared :
+         {"profile create office helmsman=h activate", "profile rename office new_name=lab",
+          "profile delete office#2", "profile delete lab"}) {
+      (void)host.says(shared);  // another may have been there first
+    }
+    EXPECT_NE(host.says("list profiles").find(": " + name + "\n"), std::string::npos) << name;
+    change("activate", "sys=systemd");
+    const std::string details = host.says("profile details " + name);
+    EXPECT_NE(details.find("network=eth" + number + "\n"), std::string::npos) << details;
+  }
+  change("rename", "new_name=" + own);
+}
+
+// Kills commands on the shared profiles, also while they hold the lock. Not ones that run the init
+// system: it would go on after the lock is gone.
+void killSome(unsigned seed, time_t deadline) {
+  std::mt19937 random(seed);
+  while (time(nullptr) < deadline) {
+    const pid_t child = fork();
+    if (child == 0) {
+      (void)dup2(open("/dev/null", O_WRONLY), STDOUT_FILENO);
+      const char* const lines[][3] = {{"create", "office", "helmsman=k"},
+                                      {"delete", "office"},
+                                      {"rename", "lab", "new_name=office"},
+                                      {"modify", "lab", "network=eth9"}};
+      const auto& line = lines[random() % 4];
+      execl("/usr/sbin/tunadm", "tunadm", "profile", line[0], line[1], line[2], nullptr);
+      _exit(1);
+    }
+    usleep(static_cast<useconds_t>(random() % 20000));
+    (void)kill(child, SIGKILL);
+    EXPECT_EQ(waitpid(child, nullptr, 0), child);
+  }
+}
+
+TEST(Concurrency, NothingIsLostOrNamedTwice) {
+  TestHost host;
+  host.factory().file("/opt/vrx/.systemctl", "").file("/tmp/lock/kept", "");
+  // Runs while the lock is held: two at once show that two hold it.
+  host.file("/bin/systemctl", "#!/bin/sh\nmkdir /tmp/held || : >/tmp/held-twice\nrmdir /tmp/held\n",
+            0755);
+  const time_t deadline = time(nullptr) + kSeconds;
+  std::vector<pid_t> workers;
+  for (int number = 0; number < kWorkers; ++number) {
+    workers.push_back(fork());
+    if (workers.back() != 0) continue;
+    alarm(kSeconds + 30);  // ends who waits for the lock for ever
+    if (number < kKillers) {
+      killSome(static_cast<unsigned>(number), deadline);
+    } else {
+      work(host, "own" + std::to_string(number) + ".", deadline);
+    }
+    _exit(testing::Test::HasFailure() ? 1 : 0);
+  }
+  for (const pid_t worker : workers) {
+    int status = -1;
+    EXPECT_EQ(waitpid(worker, &status, 0), worker);
+    EXPECT_EQ(status, 0);
+  }
+  EXPECT_FALSE(host.exists("/tmp/held-twice"));
+  std::istringstream listed(host.says("list profiles"));
+  std::set<std::string> names;
+  for (std::string line; std::getline(listed, line) && !line.starts_with("current_dir");) {
+    const std::string name = line.substr(line.find(": ") + 2);
+    EXPECT_TRUE(names.insert(name).second) << "twice: " << name;
+    EXPECT_EQ(host.read(line.substr(0, line.find(':')) + "/profile_name"), name + "\n");
+  }
+  for (int number = kKillers; number < kWorkers; ++number) {
+    EXPECT_TRUE(names.contains("own" + std::to_string(number) + ".")) << number;
+  }
+}
+
+}  // namespace
+}  // namespace tunadm
