@@ -34,6 +34,7 @@ class Window {
     while (length_ < wanted) {
       const ssize_t count = pread(file_, buffer_.data() + length_, wanted - length_, this->end());
       if (count < 0 && errno == EINTR) continue;
+      failed_ = failed_ || count < 0;
       if (count <= 0) return;
       length_ += static_cast<std::size_t>(count);
     }
@@ -44,6 +45,7 @@ class Window {
     load(std::max<off_t>(0, end - static_cast<off_t>(kWindowSize)), end);
   }
 
+  bool failed() const { return failed_; }
   off_t start() const { return start_; }
   off_t end() const { return start_ + static_cast<off_t>(length_); }
 
@@ -66,6 +68,7 @@ class Window {
   std::string buffer_;
   off_t start_ = 0;
   std::size_t length_ = 0;
+  bool failed_ = false;
 };
 
 // The answer, taken from its last line to its first.
@@ -133,14 +136,15 @@ off_t takeLongLine(Window* window, off_t end, Extract* extract) {
   return end;
 }
 
-void readBackward(int file, off_t end, Extract* extract) {
+bool readBackward(int file, off_t end, Extract* extract) {
   Window window(file);
-  while (end > 0 && !extract->full()) {
+  while (end > 0 && !extract->full() && !window.failed()) {
     window.loadBefore(end);
     end = window.end();
     const off_t rest = takeLines(window, end, extract);
     end = rest < end || end == window.start() ? rest : takeLongLine(&window, end, extract);
   }
+  return !window.failed();
 }
 
 Status noLog(const std::string& path, std::vector<std::string>* lines) {
@@ -157,7 +161,7 @@ Status extractLog(const std::string& path, int max_lines, LogLevel threshold,
   struct stat at_start {};
   if (!file.valid() || fstat(file.get(), &at_start) != 0) return noLog(path, lines);
   Extract extract(static_cast<std::size_t>(std::max(0, max_lines)), threshold);
-  readBackward(file.get(), at_start.st_size, &extract);
+  if (!readBackward(file.get(), at_start.st_size, &extract)) return Status(kReadFailed);
   extract.moveTo(lines);
   return Status(kSuccess);
 }
