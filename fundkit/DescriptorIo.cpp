@@ -56,6 +56,22 @@ bool writeAll(int descriptor, std::string_view text) {
   return true;
 }
 
+bool truncateToNothing(int descriptor) {
+  int result = -1;
+  do {
+    result = ftruncate(descriptor, 0);
+  } while (result != 0 && errno == EINTR);
+  return result == 0;
+}
+
+bool syncToDisk(int descriptor) {
+  int result = -1;
+  do {
+    result = fsync(descriptor);
+  } while (result != 0 && errno == EINTR);
+  return result == 0;
+}
+
 void writeOutput(int descriptor, std::string_view text) {
   // SIGPIPE goes to the thread that writes, so holding it back there is enough, and disturbs
   // neither other threads nor children.

@@ -26,8 +26,12 @@ ssize_t readSome(int descriptor, char* buffer, std::size_t size);
 // that does not block is full. False on failure.
 bool writeAll(int descriptor, std::string_view text);
 
-// The same for standard output and error. That nobody reads them (any more) is no failure: SIGPIPE
-// does not end the process.
+// ftruncate to nothing and fsync that start again after EINTR. False on failure.
+bool truncateToNothing(int descriptor);
+bool syncToDisk(int descriptor);
+
+// As writeAll, for standard output and error. That nobody reads them (any more) is no failure:
+// SIGPIPE does not end the process.
 void writeOutput(int descriptor, std::string_view text);
 
 // Makes /dev/null stand in for each standard descriptor that the caller has closed; otherwise a

@@ -102,7 +102,7 @@ Status copyFile(const std::string& source, const std::string& destination) {
   if (!output.valid()) return copyFailure(kOpenFailed, destination);
   // Not truncated by the open: of a file that is copied onto itself nothing would be left.
   if (areSameFile(input.get(), output.get())) return copyFailure(kInvalidArgument, destination);
-  if (ftruncate(output.get(), 0) != 0) return copyFailure(kWriteFailed, destination);
+  if (!truncateToNothing(output.get())) return copyFailure(kWriteFailed, destination);
   const StatusCode copied = copyContent(input.get(), output.get(), found.st_size);
   if (copied != kSuccess) return copyFailure(copied, copied == kReadFailed ? source : destination);
   (void)fchmod(output.get(), kCopyMode);  // The content is complete whatever the mode.

@@ -41,7 +41,7 @@ void syncDirectoryOf(const std::string& path) {
   const std::string directory = slash == path.npos ? "." : path.substr(0, slash + 1);
   const ScopedFd opened = openDescriptor(directory, O_RDONLY | O_DIRECTORY);
   // The file is replaced already; not every file system can do this, and none loses it for long.
-  if (opened.valid()) (void)fsync(opened.get());
+  if (opened.valid()) (void)syncToDisk(opened.get());
 }
 
 }  // namespace
@@ -81,7 +81,7 @@ Status WorkFile::commit() {
 }
 
 Status WorkFile::finish() {
-  if (!setAttributes(file_.get(), path_) || fsync(file_.get()) != 0) return Status(kWriteFailed);
+  if (!setAttributes(file_.get(), path_) || !syncToDisk(file_.get())) return Status(kWriteFailed);
   if (file_.close() != 0) return Status(kWriteFailed);
   if (Status moved = moveFile(work_path_, path_, Overwrite::kYes); !moved.ok()) return moved;
   work_exists_ = false;

@@ -1,13 +1,11 @@
 #include "service/LogExtract.h"
 
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstddef>
-#include <cstring>
 #include <string_view>
+#include <utility>
 
 #include "fundkit/DescriptorIo.h"
 #include "fundkit/FileUtils.h"
@@ -18,67 +16,11 @@ namespace {
 
 // What fgets with a buffer of 4,096 bytes reads at most.
 constexpr off_t kPieceSize = 4095;
-constexpr std::size_t kWindowSize = std::size_t{256} * 1024;
-
-// A part of the file in memory. What has been cut off the file since the start is not there.
-class Window {
- public:
-  explicit Window(int file) : file_(file), buffer_(kWindowSize, '\0') {}
-
-  // Loads the bytes from `start` to `end`, kWindowSize at most.
-  void load(off_t start, off_t end) {
-    start_ = start;
-    length_ = 0;
-    const auto wanted = static_cast<std::size_t>(end - start);
-    while (length_ < wanted) {
-      const ssize_t count = pread(file_, buffer_.data() + length_, wanted - length_, this->end());
-      if (count < 0 && errno == EINTR) continue;
-      failed_ = failed_ || count < 0;
-      if (count <= 0) return;
-      length_ += static_cast<std::size_t>(count);
-    }
-  }
-
-  // Loads the bytes before `end`, as many as fit.
-  void loadBefore(off_t end) {
-    load(std::max<off_t>(0, end - static_cast<off_t>(kWindowSize)), end);
-  }
-
-  bool failed() const { return failed_; }
-  off_t start() const { return start_; }
-  off_t end() const { return start_ + static_cast<off_t>(length_); }
-
-  // The bytes from `from` to `to`, both inside.
-  std::string_view bytes(off_t from, off_t to) const {
-    return std::string_view(buffer_).substr(static_cast<std::size_t>(from - start_),
-                                            static_cast<std::size_t>(to - from));
-  }
-
-  // The part of `place` that is there; from its start on.
-  std::string_view text(const LogExtract::Place& place) const {
-    return bytes(place.start, std::clamp(place.start + off_t{place.length}, place.start, end()));
-  }
-
-  // The place behind the last line feed before `end`, or -1.
-  off_t behindLastFeed(off_t end) const {
-    const std::string_view before = bytes(start_, end);
-    const void* const feed = memrchr(before.data(), '\n', before.size());
-    if (feed == nullptr) return -1;
-    return start_ + (static_cast<const char*>(feed) - before.data()) + 1;
-  }
-
- private:
-  int file_;
-  std::string buffer_;
-  off_t start_ = 0;
-  std::size_t length_ = 0;
-  bool failed_ = false;
-};
 
 // The answer, taken from its last line to its first.
 class Search {
  public:
-  Search(std::size_t max_lines, LogLevel threshold, std::vector<LogExtract::Place>* found)
+  Search(std::size_t max_lines, LogLevel threshold, std::vector<LogPlace>* found)
       : max_lines_(max_lines), threshold_(threshold), found_(*found) {}
 
   bool full() const { return found_.size() >= max_lines_; }
@@ -96,7 +38,7 @@ class Search {
  private:
   std::size_t max_lines_;
   LogLevel threshold_;
-  std::vector<LogExtract::Place>& found_;
+  std::vector<LogPlace>& found_;
 };
 
 // Where the last piece of a line starts; pieces are counted from the start of the line.
@@ -106,7 +48,7 @@ off_t lastPiece(off_t line_start, off_t end) {
 
 // Takes the lines before `end` that start in the window, and returns where the first of them
 // starts; `end` itself when there is none.
-off_t takeLines(const Window& window, off_t end, Search* search) {
+off_t takeLines(const LogWindow& window, off_t end, Search* search) {
   while (end > window.start() && !search->full()) {
     // The byte before `end` is the line's own feed, or the last of a file without one.
     off_t line_start = window.behindLastFeed(end - 1);
@@ -121,7 +63,7 @@ off_t takeLines(const Window& window, off_t end, Search* search) {
 }
 
 // Takes the line before `end`, which starts before the window, piece by piece.
-off_t takeLongLine(Window* window, off_t end, Search* search) {
+off_t takeLongLine(LogWindow* window, off_t end, Search* search) {
   off_t line_start = -1;
   while (line_start < 0 && window->start() > 0) {
     window->loadBefore(window->start());
@@ -137,24 +79,22 @@ off_t takeLongLine(Window* window, off_t end, Search* search) {
   return end;
 }
 
-bool readBackward(int file, off_t end, Search* search) {
-  Window window(file);
-  while (end > 0 && !search->full() && !window.failed()) {
-    window.loadBefore(end);
-    end = window.end();
-    const off_t rest = takeLines(window, end, search);
-    end = rest < end || end == window.start() ? rest : takeLongLine(&window, end, search);
+bool readBackward(LogWindow* window, off_t end, Search* search) {
+  while (end > 0 && !search->full() && !window->failed()) {
+    window->loadBefore(end);
+    end = window->end();
+    const off_t rest = takeLines(*window, end, search);
+    end = rest < end || end == window->start() ? rest : takeLongLine(window, end, search);
   }
-  return !window.failed();
+  return !window->failed();
 }
 
 // How many of the places before the `count`-th fit into one window together with it; the last one
 // is the first in the file.
-std::size_t startOfGroup(const std::vector<LogExtract::Place>& found, std::size_t count) {
+std::size_t startOfGroup(const std::vector<LogPlace>& found, std::size_t count) {
   const off_t start = found[count - 1].start;
   std::size_t first = count - 1;
-  while (first > 0 && found[first - 1].start + off_t{found[first - 1].length} - start <=
-                          static_cast<off_t>(kWindowSize)) {
+  while (first > 0 && found[first - 1].end() - start <= LogWindow::kSize) {
     --first;
   }
   return first;
@@ -163,27 +103,28 @@ std::size_t startOfGroup(const std::vector<LogExtract::Place>& found, std::size_
 }  // namespace
 
 Status LogExtract::find(const std::string& path, int max_lines, LogLevel threshold) {
-  log_ = openRegularFile(path);
+  ScopedFd log = openRegularFile(path);
   struct stat at_start {};
-  if (!log_.valid() || fstat(log_.get(), &at_start) != 0) {
+  if (!log.valid() || fstat(log.get(), &at_start) != 0) {
     if (isRegularFile(path)) return Status(kOpenFailed);
     notice_ = "no logfile available for this profile";
     return Status(kSuccessWithWarnings);
   }
+  window_ = LogWindow(std::move(log));
   Search search(static_cast<std::size_t>(std::max(0, max_lines)), threshold, &found_);
-  const bool read = readBackward(log_.get(), at_start.st_size, &search);
+  const bool read = readBackward(&window_, at_start.st_size, &search);
   return Status(read ? kSuccess : kReadFailed);
 }
 
-void LogExtract::print(const LineReceiver& out) const {
+void LogExtract::print(const LineReceiver& out) {
   if (!notice_.empty()) out(notice_);
-  if (found_.empty()) return;
-  Window window(log_.get());
   for (std::size_t count = found_.size(); count > 0;) {
     const std::size_t first = startOfGroup(found_, count);
-    window.load(found_[count - 1].start, found_[first].start + off_t{found_[first].length});
+    const off_t start = found_[count - 1].start;
+    const off_t end = found_[first].end();
+    if (!window_.holds(start, end)) window_.load(start, end);
     for (; count > first; --count) {
-      const std::string_view text = window.text(found_[count - 1]);
+      const std::string_view text = window_.text(found_[count - 1]);
       if (!text.empty()) out(text);
     }
   }

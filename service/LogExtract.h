@@ -1,16 +1,13 @@
 // The last lines of the daemon's log.
 #pragma once
 
-#include <sys/types.h>
-
-#include <cstdint>
 #include <string>
 #include <vector>
 
 #include "core/Status.h"
 #include "core/TextLines.h"
 #include "fundkit/LogLevel.h"
-#include "fundkit/ScopedFd.h"
+#include "service/LogWindow.h"
 
 namespace tunadm {
 
@@ -28,18 +25,14 @@ class LogExtract {
   // is kSuccessWithWarnings. Fails with kOpenFailed or kReadFailed. For one call only.
   Status find(const std::string& path, int max_lines, LogLevel threshold);
 
-  void print(const LineReceiver& out) const;
-
-  // A text in the log.
-  struct Place {
-    off_t start;
-    std::uint32_t length;
-  };
+  // Hands out what was found. Lines that do not lie in one 256 KiB are read again for it; of those,
+  // what has been cut off meanwhile or cannot be read is left out.
+  void print(const LineReceiver& out);
 
  private:
-  ScopedFd log_;
-  std::vector<Place> found_;  // the last one first
-  std::string notice_;        // what stands for a log that is not there
+  LogWindow window_;
+  std::vector<LogPlace> found_;  // the last one first
+  std::string notice_;           // what stands for a log that is not there
 };
 
 }  // namespace tunadm
