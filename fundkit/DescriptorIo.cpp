@@ -56,10 +56,10 @@ bool writeAll(int descriptor, std::string_view text) {
   return true;
 }
 
-bool truncateToNothing(int descriptor) {
+bool cutFile(int descriptor, off_t length) {
   int result = -1;
   do {
-    result = ftruncate(descriptor, 0);
+    result = ftruncate(descriptor, length);
   } while (result != 0 && errno == EINTR);
   return result == 0;
 }

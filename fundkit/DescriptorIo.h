@@ -26,8 +26,8 @@ ssize_t readSome(int descriptor, char* buffer, std::size_t size);
 // that does not block is full. False on failure.
 bool writeAll(int descriptor, std::string_view text);
 
-// ftruncate to nothing and fsync that start again after EINTR. False on failure.
-bool truncateToNothing(int descriptor);
+// ftruncate and fsync that start again after EINTR. False on failure.
+bool cutFile(int descriptor, off_t length);
 bool syncToDisk(int descriptor);
 
 // As writeAll, for standard output and error. That nobody reads them (any more) is no failure:

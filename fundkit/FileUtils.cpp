@@ -61,7 +61,7 @@ StatusCode copyContent(int source, int destination, off_t size) {
 // a full disk or after a kill. What is no regular file has no length to cut.
 bool replaceContent(int file, std::string_view text) {
   if (!writeAll(file, text)) return false;
-  return ftruncate(file, static_cast<off_t>(text.size())) == 0 || errno == EINVAL;
+  return cutFile(file, static_cast<off_t>(text.size())) || errno == EINVAL;
 }
 
 // Appends to `content` until it holds a byte of `stops` or the file ends. False when reading fails
@@ -102,7 +102,7 @@ Status copyFile(const std::string& source, const std::string& destination) {
   if (!output.valid()) return copyFailure(kOpenFailed, destination);
   // Not truncated by the open: of a file that is copied onto itself nothing would be left.
   if (areSameFile(input.get(), output.get())) return copyFailure(kInvalidArgument, destination);
-  if (!truncateToNothing(output.get())) return copyFailure(kWriteFailed, destination);
+  if (!cutFile(output.get(), 0)) return copyFailure(kWriteFailed, destination);
   const StatusCode copied = copyContent(input.get(), output.get(), found.st_size);
   if (copied != kSuccess) return copyFailure(copied, copied == kReadFailed ? source : destination);
   (void)fchmod(output.get(), kCopyMode);  // The content is complete whatever the mode.
