@@ -19,16 +19,32 @@ void replaceAll(std::string* text, std::string_view from, std::string_view to) {
   }
 }
 
+// `sentence` in lines as short as mdoc wants them. None begins with what mdoc takes for a macro.
+std::string wrapped(std::string_view sentence) {
+  constexpr std::size_t kWidth = 76;
+  std::string lines;
+  while (!sentence.empty()) {
+    std::size_t end = sentence.size() <= kWidth ? sentence.size() : sentence.rfind(' ', kWidth);
+    end = std::min(end, sentence.size());  // a word that is longer stays whole
+    if (sentence.front() == '.' || sentence.front() == '\'') lines += "\\&";
+    lines.append(sentence.substr(0, end)).append("\n");
+    sentence.remove_prefix(std::min(end + 1, sentence.size()));
+  }
+  return lines;
+}
+
 // Text for lines of its own. Each sentence begins a line, as mdoc wants it.
 std::string prose(std::string_view text) {
-  std::string lines(text);
-  replaceAll(&lines, "\\", "\\e");
-  replaceAll(&lines, "‘", "\\(oq");
-  replaceAll(&lines, "’", "\\(cq");
-  while (lines.find(".  ") != std::string::npos) replaceAll(&lines, ".  ", ". ");
-  replaceAll(&lines, ". ", ".\n");
-  if (lines.starts_with(".") || lines.starts_with("'")) lines.insert(0, "\\&");
-  return lines + "\n";
+  std::string rest(text);
+  replaceAll(&rest, "\\", "\\e");
+  replaceAll(&rest, "‘", "\\(oq");
+  replaceAll(&rest, "’", "\\(cq");
+  std::string lines;
+  for (std::size_t stop = rest.find(". "); stop != std::string::npos; stop = rest.find(". ")) {
+    lines += wrapped(std::string_view(rest).substr(0, stop + 1));
+    rest.erase(0, rest.find_first_not_of(' ', stop + 1));
+  }
+  return lines + wrapped(rest);
 }
 
 // "Cm name Ns = Ns Ar hint", the arguments of a macro line.
@@ -78,15 +94,24 @@ std::string paramList(const TunadmCommandInstance& command) {
   return text + ".El\n";
 }
 
-// A name that begins with an underscore is not printed, so it is none here either.
+// "lines of text" for a list, whose type is its name. A name that begins with an underscore is not
+// printed. Empty for a field that the command keeps out of its output.
+std::string resultField(const ResultParamBase& field) {
+  std::string type;
+  field.typeName(&type);
+  std::vector<std::string> lines;
+  StringVectorValueBinder out(&lines);
+  field.render(out);
+  if (type == "string" && lines.empty()) return "";
+  if (field.name().starts_with('_')) return "lines of text";
+  return ".Va " + field.name() + "\n(" + (type == field.name() ? "lines of text" : type) + ")";
+}
+
 std::string resultList(TunadmCommandInstance* command) {
   std::vector<std::string> fields;
   for (const ResultParamBase* field : command->results()) {
     if (field == &command->statusField()) continue;
-    std::string type;
-    field->typeName(&type);
-    const bool heading = !field->name().starts_with('_');
-    fields.push_back(heading ? ".Va " + field->name() + "\n(" + type + ")" : "lines of text");
+    if (std::string text = resultField(*field); !text.empty()) fields.push_back(text);
   }
   if (fields.empty()) return ".Pp\nNo result but the status.\n";
   return ".Pp\nResult:\n" + joined(fields, ",\n") + "\n";
