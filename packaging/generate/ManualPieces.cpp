@@ -151,10 +151,11 @@ std::string manualCommands() {
 
 std::string manualStatuses() {
   constexpr std::uint32_t kCategories = 0x80;
+  constexpr std::uint32_t kModules[] = {0, kProgramModule};
   registerStatusTexts(kProgramModule, &programStatusText);
   std::string rows;
   for (std::uint32_t category = 0; category < kCategories; ++category) {
-    for (const std::uint32_t module : {0, kProgramModule}) appendStatuses(category, module, &rows);
+    for (const std::uint32_t module : kModules) appendStatuses(category, module, &rows);
   }
   rows.pop_back();
   return rows;
