@@ -85,50 +85,38 @@ constexpr CommandEntry kUsage = {"usage", "", "", "", &make<Hipcmd_Usage>};
 constexpr CommandEntry kHelp = {"help", "", "", "", &make<Hipcmd_SimpleHelp>};
 constexpr CommandEntry kReference = {"reference", "", "", "", &make<Hipcmd_ReferenceHelp>};
 
-// How many words a way to call a command takes: its two words and a target, two words, or the whole
-// line.
-enum class Form { kTarget, kPair, kLine };
-
-struct CommandRow {
-  std::string_view first;
-  std::string_view second;  // empty: any word
-  Form form;
-  const CommandEntry* command;
-};
-
-// In the order of testing. A synonym is a row of its own.
 constexpr CommandRow kRows[] = {
-    {"profile", "create", Form::kTarget, &kProfileCreate},
-    {"profile", "activate", Form::kTarget, &kProfileActivate},
-    {"profile", "delete", Form::kTarget, &kProfileDelete},
-    {"profile", "details", Form::kTarget, &kProfileDetails},
-    {"profile", "modify", Form::kTarget, &kProfileModify},
-    {"profile", "rename", Form::kTarget, &kProfileRename},
-    {"list", "log", Form::kTarget, &kListLog},
-    {"show", "log", Form::kTarget, &kListLog},
-    {"support", "reset", Form::kTarget, &kSupportReset},
-    {"json", "", Form::kPair, &kJson},
-    {"service", "start", Form::kPair, &kServiceStart},
-    {"service", "stop", Form::kPair, &kServiceStop},
-    {"service", "restart", Form::kPair, &kServiceRestart},
-    {"service", "bounce", Form::kPair, &kServiceRestart},
-    {"service", "status", Form::kPair, &kServiceStatus},
-    {"list", "interfaces", Form::kPair, &kListInterfaces},
-    {"show", "interfaces", Form::kPair, &kListInterfaces},
-    {"list", "profiles", Form::kPair, &kListProfiles},
-    {"show", "profiles", Form::kPair, &kListProfiles},
-    {"list", "versions", Form::kPair, &kListVersions},
-    {"show", "versions", Form::kPair, &kListVersions},
-    {"support", "bundle", Form::kPair, &kSupportBundle},
-    {"usage", "", Form::kLine, &kUsage},
-    {"help", "", Form::kLine, &kHelp},
-    {"reference", "", Form::kLine, &kReference},
+    {"profile", "create", CommandForm::kTarget, &kProfileCreate},
+    {"profile", "activate", CommandForm::kTarget, &kProfileActivate},
+    {"profile", "delete", CommandForm::kTarget, &kProfileDelete},
+    {"profile", "details", CommandForm::kTarget, &kProfileDetails},
+    {"profile", "modify", CommandForm::kTarget, &kProfileModify},
+    {"profile", "rename", CommandForm::kTarget, &kProfileRename},
+    {"list", "log", CommandForm::kTarget, &kListLog},
+    {"show", "log", CommandForm::kTarget, &kListLog},
+    {"support", "reset", CommandForm::kTarget, &kSupportReset},
+    {"json", "", CommandForm::kPair, &kJson},
+    {"service", "start", CommandForm::kPair, &kServiceStart},
+    {"service", "stop", CommandForm::kPair, &kServiceStop},
+    {"service", "restart", CommandForm::kPair, &kServiceRestart},
+    {"service", "bounce", CommandForm::kPair, &kServiceRestart},
+    {"service", "status", CommandForm::kPair, &kServiceStatus},
+    {"list", "interfaces", CommandForm::kPair, &kListInterfaces},
+    {"show", "interfaces", CommandForm::kPair, &kListInterfaces},
+    {"list", "profiles", CommandForm::kPair, &kListProfiles},
+    {"show", "profiles", CommandForm::kPair, &kListProfiles},
+    {"list", "versions", CommandForm::kPair, &kListVersions},
+    {"show", "versions", CommandForm::kPair, &kListVersions},
+    {"support", "bundle", CommandForm::kPair, &kSupportBundle},
+    {"usage", "", CommandForm::kLine, &kUsage},
+    {"help", "", CommandForm::kLine, &kHelp},
+    {"reference", "", CommandForm::kLine, &kReference},
 };
 
 using Words = std::vector<std::string>;
 
-std::size_t wordsNeeded(Form form) {
-  return form == Form::kTarget ? 3 : form == Form::kPair ? 2 : 1;
+std::size_t wordsNeeded(CommandForm form) {
+  return form == CommandForm::kTarget ? 3 : form == CommandForm::kPair ? 2 : 1;
 }
 
 bool matches(const CommandRow& row, const Words& words) {
@@ -140,7 +128,8 @@ bool matches(const CommandRow& row, const Words& words) {
 const CommandRow* findInfix(const Words& words) {
   if (words.size() < 3 || words[0] != "profile") return nullptr;
   for (const CommandRow& row : kRows) {
-    if (row.form == Form::kTarget && row.first == words[0] && row.second == words[2]) return &row;
+    if (row.form == CommandForm::kTarget && row.first == words[0] && row.second == words[2])
+      return &row;
   }
   return nullptr;
 }
@@ -153,13 +142,16 @@ ScopedPtr<TunadmCommandInstance> create(const CommandEntry& command, std::string
 ScopedPtr<TunadmCommandInstance> createFromRow(const CommandRow& row, const Words& words,
                                                int* consumed) {
   std::string_view target;
-  if (row.form == Form::kTarget) target = words[2];
-  if (row.form == Form::kPair && row.second.empty()) target = words[1];
-  *consumed = static_cast<int>(row.form == Form::kLine ? words.size() : wordsNeeded(row.form));
+  if (row.form == CommandForm::kTarget) target = words[2];
+  if (row.form == CommandForm::kPair && row.second.empty()) target = words[1];
+  *consumed =
+      static_cast<int>(row.form == CommandForm::kLine ? words.size() : wordsNeeded(row.form));
   return create(*row.command, target, words);
 }
 
 }  // namespace
+
+std::span<const CommandRow> commandRows() { return kRows; }
 
 const CommandEntry& findCommand(std::string_view name) {
   const CommandRow* row = kRows;

@@ -1,6 +1,7 @@
 // The catalogue of commands, and the lookup of one by the leading words of a command line.
 #pragma once
 
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,6 +20,21 @@ struct CommandEntry {
   std::string_view summary;      // for lists of commands; empty for those that stand in none
   ScopedPtr<TunadmCommandInstance> (*make)(std::string_view method, const CommandWords& words);
 };
+
+// How many words a way to call a command takes: its two words and a target, two words, or the whole
+// line.
+enum class CommandForm { kTarget, kPair, kLine };
+
+// One way to call a command.
+struct CommandRow {
+  std::string_view first;
+  std::string_view second;  // empty: any word
+  CommandForm form;
+  const CommandEntry* command;
+};
+
+// Every row, in the order of testing. A synonym is a row of its own.
+std::span<const CommandRow> commandRows();
 
 // The command of that name, which must exist.
 const CommandEntry& findCommand(std::string_view name);

@@ -83,13 +83,14 @@ TunadmCommandInstance::TunadmCommandInstance(std::string_view method)
 }
 
 bool TunadmCommandInstance::applyOption(std::string_view word) {
-  if (word == "--quiet" || word == "--verbose") {
-    flags_.quiet = word == "--quiet";
+  const auto& [quiet, verbose, json, text] = kOptionWords;
+  if (word == quiet || word == verbose) {
+    flags_.quiet = word == quiet;
     flags_.verbose = !flags_.quiet;
     return true;
   }
-  if (word == "--json" || word == "--text") {
-    flags_.json = word == "--json";
+  if (word == json || word == text) {
+    flags_.json = word == json;
     flags_.text = !flags_.json;
     return true;
   }

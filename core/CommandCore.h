@@ -14,6 +14,9 @@
 
 namespace tunadm {
 
+// The output options: two pairs of opposites.
+inline constexpr std::string_view kOptionWords[] = {"--quiet", "--verbose", "--json", "--text"};
+
 // The base of every command. A concrete command declares its parameters and result fields as
 // members; each enters itself in the lists here, behind the common ones.
 class TunadmCommandInstance {
@@ -31,7 +34,7 @@ class TunadmCommandInstance {
   const OutputFlags& flags() const { return flags_; }
   StatusCodeResultField& statusField() { return status_; }
 
-  // Sets the flags when `word` is one of the four options (exact comparison) and returns true; of
+  // Sets the flags when `word` is one of kOptionWords (exact comparison) and returns true; of
   // --quiet and --verbose, and of --json and --text, the last one counts.
   bool applyOption(std::string_view word);
 

@@ -60,21 +60,37 @@ class UpstartSystem final : public SystemSpecificImpl {
   }
 };
 
+template <typename System>
+std::unique_ptr<SystemSpecificImpl> make() {
+  return std::make_unique<System>();
+}
+
+struct SystemRow {
+  std::string_view name;
+  std::unique_ptr<SystemSpecificImpl> (*make)();
+};
+
+constexpr SystemRow kSystems[] = {
+    {"systemd", &make<SystemdSystem>}, {"initd", &make<InitdSystem>},
+    {"upstart", &make<UpstartSystem>}, {"launchd", &make<NullSystem>},
+    {"null", &make<NullSystem>},
+};
+
 std::unique_ptr<SystemSpecificImpl> current_system;
 
 }  // namespace
 
+std::vector<std::string_view> systemNames() {
+  std::vector<std::string_view> names;
+  for (const SystemRow& row : kSystems) names.push_back(row.name);
+  return names;
+}
+
 void selectSystem(std::string_view name) {
   if (name.empty()) return;
   current_system.reset();
-  if (name == "null" || name == "launchd") {
-    current_system = std::make_unique<NullSystem>();
-  } else if (name == "systemd") {
-    current_system = std::make_unique<SystemdSystem>();
-  } else if (name == "initd") {
-    current_system = std::make_unique<InitdSystem>();
-  } else if (name == "upstart") {
-    current_system = std::make_unique<UpstartSystem>();
+  for (const SystemRow& row : kSystems) {
+    if (row.name == name) current_system = row.make();
   }
 }
 

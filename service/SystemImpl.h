@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string_view>
+#include <vector>
 
 namespace tunadm {
 
@@ -19,6 +20,9 @@ class SystemSpecificImpl {
   [[noreturn]] virtual void stop() const = 0;
   [[noreturn]] virtual void restart() const = 0;
 };
+
+// The names that selectSystem knows.
+std::vector<std::string_view> systemNames();
 
 // Installs the adapter of that name for the process, in the place of the old one. An empty name
 // changes nothing; an unknown one leaves none installed.

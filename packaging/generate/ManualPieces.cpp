@@ -1,0 +1,175 @@
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+
+#include "cli/ProfileResultFields.h"
+#include "core/ProgramStatus.h"
+#include "core/StatusText.h"
+#include "packaging/generate/CommandTexts.h"
+#include "packaging/generate/Pieces.h"
+
+namespace tunadm {
+namespace {
+
+void replaceAll(std::string* text, std::string_view from, std::string_view to) {
+  for (std::size_t at = text->find(from); at != std::string::npos;
+       at = text->find(from, at + to.size())) {
+    text->replace(at, from.size(), to);
+  }
+}
+
+// `sentence` in lines as short as mdoc wants them. None begins with what mdoc takes for a macro.
+std::string wrapped(std::string_view sentence) {
+  constexpr std::size_t kWidth = 76;
+  std::string lines;
+  while (!sentence.empty()) {
+    std::size_t end = sentence.size() <= kWidth ? sentence.size() : sentence.rfind(' ', kWidth);
+    end = std::min(end, sentence.size());  // a word that is longer stays whole
+    if (sentence.front() == '.' || sentence.front() == '\'') lines += "\\&";
+    lines.append(sentence.substr(0, end)).append("\n");
+    sentence.remove_prefix(std::min(end + 1, sentence.size()));
+  }
+  return lines;
+}
+
+// Text for lines of its own. Each sentence begins a line, as mdoc wants it.
+std::string prose(std::string_view text) {
+  std::string rest(text);
+  replaceAll(&rest, "\\", "\\e");
+  replaceAll(&rest, "‘", "\\(oq");
+  replaceAll(&rest, "’", "\\(cq");
+  std::string lines;
+  for (std::size_t stop = rest.find(". "); stop != std::string::npos; stop = rest.find(". ")) {
+    lines += wrapped(std::string_view(rest).substr(0, stop + 1));
+    rest.erase(0, rest.find_first_not_of(' ', stop + 1));
+  }
+  return lines + wrapped(rest);
+}
+
+// "Cm name Ns = Ns Ar hint", the arguments of a macro line.
+std::string paramWords(const InputParamBase& param) {
+  const std::string hint = hintOf(param);
+  return "Cm " + param.name() + (hint.empty() ? "" : " Ns = Ns Ar \"" + hint + "\"");
+}
+
+std::string callWords(const CommandRow& row) {
+  return std::string(row.first) + (row.second.empty() ? "" : " ") + std::string(row.second);
+}
+
+// The head of a command's item: its words, its target and its parameters.
+std::string itemHead(const CommandRow& row, const TunadmCommandInstance& command) {
+  std::string text = ".It Xo\n.Ic " + callWords(row) + "\n";
+  std::string target(row.command->placeholder);
+  std::erase_if(target, [](char byte) { return byte == '<' || byte == '>'; });
+  if (!target.empty()) text += ".Ar \"" + target.substr(1) + "\"\n";
+  for (const InputParamBase* param : shownParams(command)) {
+    text += (param->required() ? "." : ".Op ") + paramWords(*param) + "\n";
+  }
+  return text + ".Xc\n";
+}
+
+std::string synonyms(const CommandRow& row) {
+  std::string text;
+  for (const CommandRow& other : commandRows()) {
+    if (other.command != row.command || &other == &row) continue;
+    text += "The same as\n.Ic " + callWords(other) + " .\n";
+  }
+  return text;
+}
+
+std::string paramItem(const InputParamBase& param) {
+  std::string text = ".It " + paramWords(param) + "\n" + std::string(param.typeName());
+  if (param.required()) text += ", required";
+  const std::vector<std::string> values = valuesOf(param);
+  if (hintOf(param) == "sys-impl") text += ", one of " + joined(values, ", ");
+  return text + "\n";
+}
+
+std::string paramList(const TunadmCommandInstance& command) {
+  const std::vector<const InputParamBase*> params = shownParams(command);
+  if (params.empty()) return "";
+  std::string text = ".Pp\nParameters:\n.Bl -tag -compact -width Ds\n";
+  for (const InputParamBase* param : params) text += paramItem(*param);
+  return text + ".El\n";
+}
+
+// "lines of text" for a list, whose type is its name. A name that begins with an underscore is not
+// printed. Empty for a field that the command keeps out of its output.
+std::string resultField(const ResultParamBase& field) {
+  std::string type;
+  field.typeName(&type);
+  std::vector<std::string> lines;
+  StringVectorValueBinder out(&lines);
+  field.render(out);
+  if (type == "string" && lines.empty()) return "";
+  if (field.name().starts_with('_')) return "lines of text";
+  return ".Va " + field.name() + "\n(" + (type == field.name() ? "lines of text" : type) + ")";
+}
+
+std::string resultList(TunadmCommandInstance* command) {
+  std::vector<std::string> fields;
+  for (const ResultParamBase* field : command->results()) {
+    if (field == &command->statusField()) continue;
+    if (std::string text = resultField(*field); !text.empty()) fields.push_back(text);
+  }
+  if (fields.empty()) return ".Pp\nNo result but the status.\n";
+  return ".Pp\nResult:\n" + joined(fields, ",\n") + "\n";
+}
+
+// Appends a row for every number of a category and a module that has a text of its own.
+void appendStatuses(std::uint32_t category, std::uint32_t module, std::string* rows) {
+  constexpr std::uint32_t kNumbers = 0x1000;
+  constexpr std::uint32_t kNobodysModule = 0xfff000;
+  const std::string general = statusText(static_cast<StatusCode>(category << 24 | kNobodysModule));
+  for (std::uint32_t number = 1; number < kNumbers; ++number) {
+    const std::uint32_t code = category << 24 | module << 12 | number;
+    const std::string text = statusText(static_cast<StatusCode>(code));
+    if (text == general) continue;
+    char shown[sizeof "0x00000000"];
+    (void)std::snprintf(shown, sizeof shown, "0x%08x", code);  // always fits
+    rows->append(".It ").append(shown).append("\n").append(prose(text));
+  }
+}
+
+}  // namespace
+
+std::string manualCommands() {
+  std::string text;
+  std::vector<const CommandEntry*> seen;
+  for (const CommandRow& row : commandRows()) {
+    if (row.command->description.empty()) continue;
+    if (std::find(seen.begin(), seen.end(), row.command) != seen.end()) continue;
+    seen.push_back(row.command);
+    const ScopedPtr<TunadmCommandInstance> command = sampleOf(*row.command);
+    text += itemHead(row, *command) + prose(row.command->description) + synonyms(row);
+    text += paramList(*command) + resultList(command.get());
+  }
+  text.pop_back();
+  return text;
+}
+
+std::string manualStatuses() {
+  constexpr std::uint32_t kCategories = 0x80;
+  constexpr std::uint32_t kModules[] = {0, kProgramModule};
+  registerStatusTexts(kProgramModule, &programStatusText);
+  std::string rows;
+  for (std::uint32_t category = 0; category < kCategories; ++category) {
+    for (const std::uint32_t module : kModules) appendStatuses(category, module, &rows);
+  }
+  rows.pop_back();
+  return rows;
+}
+
+std::string manualDetailKeys() {
+  ResultList fields;
+  ProfileDetailsResultField details(&fields, "");
+  details.details().helmsman_host = "host";  // or its line is left out
+  std::vector<std::string> lines;
+  StringVectorValueBinder out(&lines);
+  details.render(out);
+  for (std::string& line : lines) line = ".Va " + line.substr(0, line.find('='));
+  return joined(lines, " ,\n");
+}
+
+}  // namespace tunadm
