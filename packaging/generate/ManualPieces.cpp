@@ -100,7 +100,8 @@ std::string resultField(const ResultParamBase& field) {
   std::string type;
   field.typeName(&type);
   std::vector<std::string> lines;
-  StringVectorValueBinder out(&lines);
+  const LineReceiver take = [&lines](std::string_view line) { lines.emplace_back(line); };
+  StringVectorValueBinder out(take);
   field.render(out);
   if (type == "string" && lines.empty()) return "";
   if (field.name().starts_with('_')) return "lines of text";
@@ -166,7 +167,8 @@ std::string manualDetailKeys() {
   ProfileDetailsResultField details(&fields, "");
   details.details().helmsman_host = "host";  // or its line is left out
   std::vector<std::string> lines;
-  StringVectorValueBinder out(&lines);
+  const LineReceiver take = [&lines](std::string_view line) { lines.emplace_back(line); };
+  StringVectorValueBinder out(take);
   details.render(out);
   for (std::string& line : lines) line = ".Va " + line.substr(0, line.find('='));
   return joined(lines, " ,\n");
