@@ -36,7 +36,7 @@ void bindAndRender(const std::vector<std::string>& line) {
 
 void run(benchmark::State& state, const std::vector<std::string>& words) {
   const std::size_t before = allocations;
-  for (auto _ : state) bindAndRender(words);
+  while (state.KeepRunning()) bindAndRender(words);
   state.counters["allocations"] = benchmark::Counter(static_cast<double>(allocations - before),
                                                      benchmark::Counter::kAvgIterations);
 }

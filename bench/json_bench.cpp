@@ -18,9 +18,9 @@
 
 namespace {
 
-constexpr int kDocumentUnit = 1000 * 1000;
-constexpr int kSmallDocument = 5;
-constexpr int kLargeDocument = 50;
+constexpr std::size_t kDocumentUnit = 1000000;
+constexpr std::size_t kSmallDocument = 5;
+constexpr std::size_t kLargeDocument = 50;
 
 // Records as programs exchange them: names that come again, texts of all lengths with an escape
 // here and there, whole and fractional numbers, nested arrays and objects.
@@ -43,7 +43,7 @@ std::string makeDocument(std::size_t size) {
 const std::string& document(const benchmark::State& state) {
   static const std::string small = makeDocument(kSmallDocument * kDocumentUnit);
   static const std::string large = makeDocument(kLargeDocument * kDocumentUnit);
-  return state.range(0) == kSmallDocument ? small : large;
+  return state.range(0) == static_cast<std::int64_t>(kSmallDocument) ? small : large;
 }
 
 tunadm::ScopedJson parseOwn(const std::string& text) {
@@ -54,19 +54,19 @@ tunadm::ScopedJson parseOwn(const std::string& text) {
 // Each of the three parses into a tree of its own and frees it.
 void parse_tunadm(benchmark::State& state) {
   const std::string& text = document(state);
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     if (!parseOwn(text)) state.SkipWithError("not parsed");
   }
 }
 
 void parse_nlohmann(benchmark::State& state) {
   const std::string& text = document(state);
-  for (auto _ : state) benchmark::DoNotOptimize(nlohmann::json::parse(text));
+  while (state.KeepRunning()) benchmark::DoNotOptimize(nlohmann::json::parse(text));
 }
 
 void parse_rapidjson(benchmark::State& state) {
   const std::string& text = document(state);
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     rapidjson::Document tree;
     if (tree.Parse(text.data(), text.size()).HasParseError()) state.SkipWithError("not parsed");
   }
@@ -74,7 +74,7 @@ void parse_rapidjson(benchmark::State& state) {
 
 void print_tunadm(benchmark::State& state) {
   const tunadm::ScopedJson tree = parseOwn(document(state));
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     std::string text;
     tunadm::printJson(tree.get(), &text);
     benchmark::DoNotOptimize(text.data());
@@ -83,13 +83,13 @@ void print_tunadm(benchmark::State& state) {
 
 void print_nlohmann(benchmark::State& state) {
   const nlohmann::json tree = nlohmann::json::parse(document(state));
-  for (auto _ : state) benchmark::DoNotOptimize(tree.dump());
+  while (state.KeepRunning()) benchmark::DoNotOptimize(tree.dump());
 }
 
 void print_rapidjson(benchmark::State& state) {
   rapidjson::Document tree;
   tree.Parse(document(state).data(), document(state).size());
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     rapidjson::StringBuffer text;
     rapidjson::Writer<rapidjson::StringBuffer> writer(text);
     tree.Accept(writer);
@@ -98,7 +98,7 @@ void print_rapidjson(benchmark::State& state) {
 }
 
 void members_tunadm(benchmark::State& state) {
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     const tunadm::ScopedJson object(tunadm::makeObject());
     for (std::int64_t i = 0; i < state.range(0); ++i) {
       tunadm::setMember(object.get(), "member " + std::to_string(i), tunadm::makeNumber(1));
@@ -112,7 +112,9 @@ void members_tunadm(benchmark::State& state) {
 }
 
 void forDocuments(benchmark::internal::Benchmark* bench) {
-  bench->Arg(kSmallDocument)->Arg(kLargeDocument)->Unit(benchmark::kMillisecond);
+  bench->Arg(static_cast<std::int64_t>(kSmallDocument))
+      ->Arg(static_cast<std::int64_t>(kLargeDocument))
+      ->Unit(benchmark::kMillisecond);
 }
 
 BENCHMARK(parse_tunadm)->Apply(forDocuments);
@@ -121,7 +123,7 @@ BENCHMARK(parse_rapidjson)->Apply(forDocuments);
 BENCHMARK(print_tunadm)->Apply(forDocuments);
 BENCHMARK(print_nlohmann)->Apply(forDocuments);
 BENCHMARK(print_rapidjson)->Apply(forDocuments);
-BENCHMARK(members_tunadm)->Arg(10 * 1000)->Arg(100 * 1000)->Unit(benchmark::kMillisecond);
+BENCHMARK(members_tunadm)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "core/TextLines.h"
 #include "fundkit/FileUtils.h"
 #include "fundkit/LogLevel.h"
 #include "profiles/ConfigControl.h"

@@ -78,7 +78,7 @@ class Hipcmd_GetHipLog final : public ProfileCommand {
     void typeName(std::string* text) const override { text->append(name()); }
 
    private:
-    mutable LogExtract extract_;  // printing reads on
+    LogExtract extract_;
   };
 
   IntParam max_lines_{paramList(), "max_lines", kDefaultLogLines, Required::kNo};

@@ -20,25 +20,30 @@
 namespace tunadm {
 namespace {
 
-// Collects lines and prints them in large writes, the last one at its end.
+// Collects lines and prints them in large writes, the last one at its end. After a failed write
+// nothing more is printed, so that the output has no hole; there is nowhere left to report it.
 class LinePrinter {
  public:
   LinePrinter() = default;
   LinePrinter(const LinePrinter&) = delete;
   LinePrinter& operator=(const LinePrinter&) = delete;
-  ~LinePrinter() { writeOutput(STDOUT_FILENO, text_); }
+  ~LinePrinter() { flush(); }
 
   void print(std::string_view line) {
     text_.append(line).push_back('\n');
-    if (text_.size() < kLargestWrite) return;
-    writeOutput(STDOUT_FILENO, text_);
-    text_.clear();
+    if (text_.size() >= kLargestWrite) flush();
   }
 
  private:
   static constexpr std::size_t kLargestWrite = std::size_t{64} * 1024;
 
+  void flush() {
+    broken_ = broken_ || !writeOutput(STDOUT_FILENO, text_);
+    text_.clear();
+  }
+
   std::string text_;
+  bool broken_ = false;
 };
 
 void printUsage(const std::string& program) {

@@ -10,6 +10,7 @@
 #include "core/InputParam.h"
 #include "core/ResultParam.h"
 #include "core/Status.h"
+#include "core/TextLines.h"
 #include "json/JsonValue.h"
 
 namespace tunadm {

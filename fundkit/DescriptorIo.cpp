@@ -41,6 +41,14 @@ ssize_t readSome(int descriptor, char* buffer, std::size_t size) {
   return count;
 }
 
+ssize_t readAt(int descriptor, off_t offset, char* buffer, std::size_t size) {
+  ssize_t count = -1;
+  do {
+    count = pread(descriptor, buffer, size, offset);
+  } while (count < 0 && errno == EINTR);
+  return count;
+}
+
 bool writeAll(int descriptor, std::string_view text) {
   while (!text.empty()) {
     const ssize_t count = write(descriptor, text.data(), text.size());
@@ -72,7 +80,7 @@ bool syncToDisk(int descriptor) {
   return result == 0;
 }
 
-void writeOutput(int descriptor, std::string_view text) {
+bool writeOutput(int descriptor, std::string_view text) {
   // SIGPIPE goes to the thread that writes, so holding it back there is enough, and disturbs
   // neither other threads nor children.
   sigset_t pipe_signal;
@@ -82,10 +90,11 @@ void writeOutput(int descriptor, std::string_view text) {
   (void)sigaddset(&pipe_signal, SIGPIPE);
   (void)sigpending(&pending);
   (void)pthread_sigmask(SIG_BLOCK, &pipe_signal, &before);
-  (void)writeAll(descriptor, text);  // There is nowhere left to report a failure.
+  const bool written = writeAll(descriptor, text);
   const timespec at_once{};
   if (sigismember(&pending, SIGPIPE) == 0) (void)sigtimedwait(&pipe_signal, nullptr, &at_once);
   (void)pthread_sigmask(SIG_SETMASK, &before, nullptr);
+  return written;
 }
 
 void fillStandardDescriptors() {

@@ -57,11 +57,31 @@ StatusCode copyContent(int source, int destination, off_t size) {
   return kSuccess;
 }
 
-// The old content is cut off only behind the new one: emptied before, the file would stay empty on
-// a full disk or after a kill. What is no regular file has no length to cut.
+// For reading, too, as replaceContent wants it. A FIFO opened so would take a text that nobody
+// reads; it counts as not to be opened.
+ScopedFd openForReplacing(const std::string& path, mode_t mode) {
+  ScopedFd file = openDescriptor(path, O_RDWR | O_CREAT, mode);
+  struct stat found {};
+  if (file.valid() && (fstat(file.get(), &found) != 0 || S_ISFIFO(found.st_mode))) {
+    (void)file.close();  // Nothing was written.
+  }
+  return file;
+}
+
+// The old content is cut off only behind the new one, and comes back when that cannot be written as
+// a whole: emptied before, the file would stay empty on a full disk or after a kill. What is no
+// regular file has no length to cut.
 bool replaceContent(int file, std::string_view text) {
-  if (!writeAll(file, text)) return false;
-  return cutFile(file, static_cast<off_t>(text.size())) || errno == EINVAL;
+  std::string old(text.size(), '\0');
+  const ssize_t length = readAt(file, 0, old.data(), old.size());
+  if (writeAll(file, text))
+    return cutFile(file, static_cast<off_t>(text.size())) || errno == EINVAL;
+  if (length >= 0 && lseek(file, 0, SEEK_SET) == 0) {
+    old.resize(static_cast<std::size_t>(length));
+    // Room for it was there before. A file that was shorter than what has been written is cut.
+    (void)(writeAll(file, old) && (old.size() == text.size() || cutFile(file, length)));
+  }
+  return false;
 }
 
 // Appends to `content` until it holds a byte of `stops` or the file ends. False when reading fails
@@ -155,7 +175,7 @@ Status changeMode(const std::string& path, mode_t mode) {
 
 Status overwriteFile(const std::string& path, std::string_view text) {
   if (path.empty()) return Status(kInvalidArgument);
-  ScopedFd file = openDescriptor(path, O_WRONLY | O_CREAT, kNewFileMode);
+  ScopedFd file = openForReplacing(path, kNewFileMode);
   if (!file.valid()) return Status(kOpenFailed);
   const bool written = replaceContent(file.get(), text);
   return Status(written && file.close() == 0 ? kSuccess : kWriteFailed);
@@ -165,7 +185,7 @@ Status writeLines(const std::string& path, const std::vector<std::string>& lines
   if (path.empty()) return Status(kInvalidArgument);
   std::string text;
   for (const std::string& line : lines) text.append(line, 0, line.find('\0')).append("\n");
-  ScopedFd file = openDescriptor(path, O_WRONLY | O_CREAT, kLinesMode);
+  ScopedFd file = openForReplacing(path, kLinesMode);
   if (!file.valid()) return Status(kOpenFailed);
   if (!replaceContent(file.get(), text)) return Status(kWriteFailed);
   (void)fchmod(file.get(), kLinesMode);  // The content is complete whatever the mode.

@@ -27,11 +27,12 @@ class ScopedFd {
   // Gives the descriptor away; the caller closes it.
   int take() { return std::exchange(descriptor_, -1); }
 
-  // Closes the descriptor, if there is one. Gives 0 or the errno of close. Never tried again after
-  // EINTR: Linux has released the number by then, and someone else may own it already.
+  // Closes the descriptor, if there is one. Gives 0 or the errno of close. EINTR is neither a
+  // failure nor a reason to try again: Linux has released the number by then (close(2)), and
+  // someone else may own it already.
   int close() {
     if (!valid()) return 0;
-    return ::close(take()) == 0 ? 0 : errno;
+    return ::close(take()) == 0 || errno == EINTR ? 0 : errno;
   }
 
  private:

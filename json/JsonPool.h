@@ -91,8 +91,14 @@ struct JsonAllocator {
   template <typename Other>
   constexpr explicit(false) JsonAllocator(const JsonAllocator<Other>& /*other*/) {}
 
-  T* allocate(std::size_t count) { return static_cast<T*>(json_pool.take(count * sizeof(T))); }
-  void deallocate(T* memory, std::size_t count) { json_pool.give(memory, count * sizeof(T)); }
+  // T may well be a pointer.
+  T* allocate(std::size_t count) {
+    return static_cast<T*>(
+        json_pool.take(count * sizeof(T)));  // NOLINT(bugprone-sizeof-expression)
+  }
+  void deallocate(T* memory, std::size_t count) {
+    json_pool.give(memory, count * sizeof(T));  // NOLINT(bugprone-sizeof-expression): see above
+  }
   bool operator==(const JsonAllocator&) const = default;
 };
 

@@ -1,6 +1,7 @@
 #include "profiles/ProfileActivate.h"
 
 #include "core/ProgramStatus.h"
+#include "fundkit/SignalHold.h"
 #include "profiles/CurrentProfile.h"
 #include "profiles/ProfileLock.h"
 #include "profiles/ProfileSelector.h"
@@ -11,6 +12,7 @@ namespace {
 
 // Deliberate: the service is stopped first whatever the daemon's state seems to be.
 Status switchTo(const ProfileRef& profile, std::string_view system) {
+  const SignalHold hold;  // whoever asks for an end now would leave the service stopped
   Status stopped = stopService(system, RootCheck::kNo);
   const bool made_current = setCurrentProfile(profile.dir_name);
   Status started = startService(system, RootCheck::kNo);

@@ -8,6 +8,7 @@
 #include "fundkit/DirectoryListing.h"
 #include "fundkit/FileUtils.h"
 #include "fundkit/LineReader.h"
+#include "fundkit/SignalHold.h"
 #include "profiles/ConfigControl.h"
 #include "profiles/CurrentProfile.h"
 #include "profiles/ProfileList.h"
@@ -116,6 +117,7 @@ Status fillProfile(const CreateRequest& request, const ProfileRef& profile) {
 // A failure never leaves the service stopped, but a profile that is not whole is not run.
 Status fillAndActivate(const CreateRequest& request, const ProfileRef& profile) {
   const bool daemon_up = isDaemonRunning() != TriState::kNo;
+  const SignalHold hold;  // whoever asks for an end now would leave the service stopped
   if (daemon_up) (void)stopService(request.system, RootCheck::kYes);  // the start tells how it went
   Status filled = fillProfile(request, profile);
   if (!filled.ok()) {

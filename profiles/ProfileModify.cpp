@@ -2,6 +2,7 @@
 
 #include "core/Privilege.h"
 #include "fundkit/LineReader.h"
+#include "fundkit/SignalHold.h"
 #include "json/AsciiCase.h"
 #include "profiles/ConfigControl.h"
 #include "profiles/CurrentProfile.h"
@@ -88,6 +89,7 @@ bool isCurrent(const ProfileRef& profile) {
 
 // The start comes last and in any case: no failure leaves the service stopped.
 Status applyAroundRestart(const ModifyRequest& request, bool daemon_up, ProfileRef* profile) {
+  const SignalHold hold;  // whoever asks for an end now would leave the service stopped
   Status stopped(kSuccess);
   if (daemon_up) stopped = stopService(request.system, RootCheck::kYes);
   const Daemon daemon = daemon_up && stopped.ok() ? Daemon::kStopped : Daemon::kMayRun;

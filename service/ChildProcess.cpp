@@ -6,6 +6,8 @@
 #include <cerrno>
 #include <cstddef>
 
+#include "fundkit/SignalHold.h"
+
 namespace tunadm {
 namespace {
 
@@ -21,6 +23,7 @@ void becomeProgram(const char* path, std::initializer_list<const char*> argument
     if (count == kMostArguments) break;
     vector[count++] = const_cast<char*>(argument);  // execve does not write to them
   }
+  releaseSignals();
   (void)execve(path, vector, environ);  // returns only on failure
   endUnstartedChild();
 }

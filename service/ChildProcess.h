@@ -14,8 +14,8 @@ inline constexpr int kWaitFailed = 3001;
 inline constexpr int kNoChild = 3002;
 
 // Replaces the process by the program at `path`, with up to five arguments (the first is the
-// program's name as it sees it) and the environment as it is. Ends the process as below when the
-// program cannot be run.
+// program's name as it sees it), the environment as it is and no signal held back. Ends the process
+// as below when the program cannot be run.
 [[noreturn]] void becomeProgram(const char* path, std::initializer_list<const char*> arguments);
 
 // Ends a child that has not become another program, with exit code 101 and without the parent's

@@ -10,6 +10,7 @@
 #include "fundkit/DescriptorIo.h"
 #include "fundkit/FileUtils.h"
 #include "fundkit/LineReader.h"
+#include "service/LogWindow.h"
 
 namespace tunadm {
 namespace {
@@ -17,28 +18,26 @@ namespace {
 // What fgets with a buffer of 4,096 bytes reads at most.
 constexpr off_t kPieceSize = 4095;
 
-// The answer, taken from its last line to its first.
+// Takes the answer from its last line to its first.
 class Search {
  public:
-  Search(std::size_t max_lines, LogLevel threshold, std::vector<LogPlace>* found)
+  Search(std::size_t max_lines, LogLevel threshold, LogLines* found)
       : max_lines_(max_lines), threshold_(threshold), found_(*found) {}
 
-  bool full() const { return found_.size() >= max_lines_; }
+  bool full() const { return found_.count() >= max_lines_; }
 
-  // Takes the piece that starts at `start`. A NUL byte ends it. The level is asked for first: it
-  // takes a look at the beginning only, and in most logs decides about most lines.
-  void take(std::string_view piece, off_t start) {
+  // A NUL byte ends a piece. The level is asked for first: it takes a look at the beginning only,
+  // and in most logs decides about most lines.
+  void take(std::string_view piece) {
     if (full() || parseLevel(piece) < threshold_) return;
     const std::string_view text = trimGraphic(piece.substr(0, piece.find('\0')));
-    if (text.empty()) return;
-    found_.push_back(
-        {start + (text.data() - piece.data()), static_cast<std::uint32_t>(text.size())});
+    if (!text.empty()) found_.addBefore(text);
   }
 
  private:
   std::size_t max_lines_;
   LogLevel threshold_;
-  std::vector<LogPlace>& found_;
+  LogLines& found_;
 };
 
 // Where the last piece of a line starts; pieces are counted from the start of the line.
@@ -56,7 +55,7 @@ off_t takeLines(const LogWindow& window, off_t end, Search* search) {
     line_start = std::max<off_t>(line_start, 0);
     for (off_t start = end; start > line_start; end = start) {
       start = lastPiece(line_start, end);
-      search->take(window.bytes(start, end), start);
+      search->take(window.bytes(start, end));
     }
   }
   return end;
@@ -73,7 +72,7 @@ off_t takeLongLine(LogWindow* window, off_t end, Search* search) {
   while (end > line_start && !search->full()) {
     const off_t start = lastPiece(line_start, end);
     window->load(start, end);
-    search->take(window->bytes(start, window->end()), start);
+    search->take(window->bytes(start, window->end()));
     end = start;
   }
   return end;
@@ -89,17 +88,6 @@ bool readBackward(LogWindow* window, off_t end, Search* search) {
   return !window->failed();
 }
 
-// How many of the places before the `count`-th fit into one window together with it; the last one
-// is the first in the file.
-std::size_t startOfGroup(const std::vector<LogPlace>& found, std::size_t count) {
-  const off_t start = found[count - 1].start;
-  std::size_t first = count - 1;
-  while (first > 0 && found[first - 1].end() - start <= LogWindow::kSize) {
-    --first;
-  }
-  return first;
-}
-
 }  // namespace
 
 Status LogExtract::find(const std::string& path, int max_lines, LogLevel threshold) {
@@ -110,24 +98,15 @@ Status LogExtract::find(const std::string& path, int max_lines, LogLevel thresho
     notice_ = "no logfile available for this profile";
     return Status(kSuccessWithWarnings);
   }
-  window_ = LogWindow(std::move(log));
+  LogWindow window(std::move(log));
   Search search(static_cast<std::size_t>(std::max(0, max_lines)), threshold, &found_);
-  const bool read = readBackward(&window_, at_start.st_size, &search);
+  const bool read = readBackward(&window, at_start.st_size, &search);
   return Status(read ? kSuccess : kReadFailed);
 }
 
-void LogExtract::print(const LineReceiver& out) {
+void LogExtract::print(const LineReceiver& out) const {
   if (!notice_.empty()) out(notice_);
-  for (std::size_t count = found_.size(); count > 0;) {
-    const std::size_t first = startOfGroup(found_, count);
-    const off_t start = found_[count - 1].start;
-    const off_t end = found_[first].end();
-    if (!window_.holds(start, end)) window_.load(start, end);
-    for (; count > first; --count) {
-      const std::string_view text = window_.text(found_[count - 1]);
-      if (!text.empty()) out(text);
-    }
-  }
+  found_.print(out);
 }
 
 }  // namespace tunadm

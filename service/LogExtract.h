@@ -2,17 +2,15 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
 #include "core/Status.h"
 #include "core/TextLines.h"
 #include "fundkit/LogLevel.h"
-#include "service/LogWindow.h"
+#include "service/LogLines.h"
 
 namespace tunadm {
 
-// Finds the last lines of a log, and hands them out in the order of the file. Of the lines it keeps
-// the places only, so that besides them a fixed 256 KiB of memory is needed.
+// Finds the last lines of a log, and hands them out in the order of the file.
 class LogExtract {
  public:
   // Finds the last `max_lines` lines of the log at `path` whose level is at or above `threshold`.
@@ -22,17 +20,15 @@ class LogExtract {
   // The log is read from its end, as far as the answer needs, and only what was there at the start;
   // a log that is cut meanwhile gives what is left. A `max_lines` of 0 or below asks for nothing,
   // which succeeds. Without a regular file at `path` there is one line that says so, and the status
-  // is kSuccessWithWarnings. Fails with kOpenFailed or kReadFailed. For one call only.
+  // is kSuccessWithWarnings. Fails with kOpenFailed or kReadFailed. Besides the answer, a fixed
+  // 256 KiB of memory is needed. For one call only.
   Status find(const std::string& path, int max_lines, LogLevel threshold);
 
-  // Hands out what was found. Lines that do not lie in one 256 KiB are read again for it; of those,
-  // what has been cut off meanwhile or cannot be read is left out.
-  void print(const LineReceiver& out);
+  void print(const LineReceiver& out) const;
 
  private:
-  LogWindow window_;
-  std::vector<LogPlace> found_;  // the last one first
-  std::string notice_;           // what stands for a log that is not there
+  LogLines found_;
+  std::string notice_;  // what stands for a log that is not there
 };
 
 }  // namespace tunadm

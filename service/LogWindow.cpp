@@ -1,10 +1,9 @@
 #include "service/LogWindow.h"
 
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
+
+#include "fundkit/DescriptorIo.h"
 
 namespace tunadm {
 
@@ -15,8 +14,7 @@ void LogWindow::load(off_t start, off_t end) {
   const auto wanted = static_cast<std::size_t>(end - start);
   while (length_ < wanted) {
     const ssize_t count =
-        pread(log_.get(), buffer_.data() + length_, wanted - length_, this->end());
-    if (count < 0 && errno == EINTR) continue;
+        readAt(log_.get(), this->end(), buffer_.data() + length_, wanted - length_);
     failed_ = failed_ || count < 0;
     if (count <= 0) return;
     length_ += static_cast<std::size_t>(count);
@@ -28,11 +26,6 @@ void LogWindow::loadBefore(off_t end) { load(std::max<off_t>(0, end - kSize), en
 std::string_view LogWindow::bytes(off_t from, off_t to) const {
   return std::string_view(buffer_).substr(static_cast<std::size_t>(from - start_),
                                           static_cast<std::size_t>(to - from));
-}
-
-std::string_view LogWindow::text(const LogPlace& place) const {
-  const off_t stop = std::min(place.end(), end());
-  return stop > place.start ? bytes(place.start, stop) : std::string_view();
 }
 
 off_t LogWindow::behindLastFeed(off_t end) const {

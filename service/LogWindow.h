@@ -4,7 +4,6 @@
 #include <sys/types.h>
 
 #include <cstddef>
-#include <cstdint>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -13,22 +12,12 @@
 
 namespace tunadm {
 
-// A text in a log.
-struct LogPlace {
-  off_t start;
-  std::uint32_t length;
-
-  off_t end() const { return start + off_t{length}; }
-};
-
 // Holds one range of a log's bytes at a time. What has been cut off the log is not there. The views
 // that are given out are good until the next load.
 class LogWindow {
  public:
   static constexpr off_t kSize = off_t{256} * 1024;
 
-  // Without a log nothing can be loaded.
-  LogWindow() = default;
   explicit LogWindow(ScopedFd log) : log_(std::move(log)) {}
 
   // Loads the bytes from `start` to `end`, kSize at most.
@@ -42,13 +31,9 @@ class LogWindow {
 
   off_t start() const { return start_; }
   off_t end() const { return start_ + static_cast<off_t>(length_); }
-  bool holds(off_t from, off_t to) const { return from >= start() && to <= end(); }
 
   // The bytes from `from` to `to`, both inside.
   std::string_view bytes(off_t from, off_t to) const;
-
-  // As much of a text that starts inside as is there.
-  std::string_view text(const LogPlace& place) const;
 
   // The place behind the last line feed before `end`, or -1.
   off_t behindLastFeed(off_t end) const;

@@ -88,7 +88,7 @@ Lines forwardModel(const std::string& path, std::size_t max_lines, LogLevel thre
   return lines;
 }
 
-Lines printed(LogExtract& extract) {
+Lines printed(const LogExtract& extract) {
   Lines lines;
   extract.print([&lines](std::string_view line) { lines.emplace_back(line); });
   return lines;
