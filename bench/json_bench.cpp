@@ -28,14 +28,31 @@ std::string makeDocument(std::size_t size) {
   std::string text = "[";
   for (unsigned i = 0; text.size() < size; ++i) {
     const std::string number = std::to_string(i);
-    text += i == 0 ? "" : ",";
-    text += R"({"id":)" + number + R"(,"name":"host )" + number + R"(.example.net","active":)" +
-            (i % 3 == 0 ? "true" : "false") + R"(,"load":)" + std::to_string(i % 997) + "." +
-            std::to_string(i % 89) +
-            R"(,"parent":null,"note":"a \"quoted\" text, with\ttabs and )" +
-            std::string(i % 61, 'x') + R"(","ports":[)" + std::to_string(i % 65536) +
-            R"(,443,8096,-17],"position":{"x":)" + std::to_string(i * 7919 % 100003) +
-            R"(.125,"y":-0.)" + number + R"(,"labels":["a","bc","","rack )" + number + R"("]}})";
+    for (const std::string& part :
+         {std::string(i == 0 ? "" : ","),
+          std::string(R"({"id":)"),
+          number,
+          std::string(R"(,"name":"host )"),
+          number,
+          std::string(R"(.example.net","active":)"),
+          std::string(i % 3 == 0 ? "true" : "false"),
+          std::string(R"(,"load":)"),
+          std::to_string(i % 997),
+          std::string("."),
+          std::to_string(i % 89),
+          std::string(R"(,"parent":null,"note":"a \"quoted\" text, with\ttabs and )"),
+          std::string(i % 61, 'x'),
+          std::string(R"(","ports":[)"),
+          std::to_string(i % 65536),
+          std::string(R"(,443,8096,-17],"position":{"x":)"),
+          std::to_string(i * 7919 % 100003),
+          std::string(R"(.125,"y":-0.)"),
+          number,
+          std::string(R"(,"labels":["a","bc","","rack )"),
+          number,
+          std::string(R"("]}})")}) {
+      text += part;
+    }
   }
   return text + "]";
 }
