@@ -32,7 +32,8 @@ constexpr ParamText kParamTexts[] = {
      "fatal, in any letter case. Other levels are refused."},
     {"list log", "log_level",
      "Leaves out the lines of lower levels; info by default, and for an unknown level. The levels "
-     "are trace, debug, info, notice, warning, error and fatal."},
+     "are trace, debug, info, notice, warning, error and fatal. A line that begins with none of "
+     "them counts as info."},
     {"", "sys",
      "The init system that runs the service; by default the one that a file shows (see FILES), "
      "else "
