@@ -10,8 +10,10 @@ namespace {
 
 std::string_view targetOf(const CommandRow& row, const TunadmCommandInstance& command) {
   if (row.form != CommandForm::kTarget) return "";
+  // Always refuses the other two.
+  if (row.command->name == "profile delete") return "profile --active";
   for (const InputParamBase* param : command.params()) {
-    if (param->name() == "profile") return "profile";
+    if (param->name() == "profile") return "profile .current .factory --active";
   }
   return "new";
 }

@@ -7,6 +7,7 @@
 #include "core/ProgramStatus.h"
 #include "core/StatusText.h"
 #include "packaging/generate/CommandTexts.h"
+#include "packaging/generate/ManualTexts.h"
 #include "packaging/generate/Pieces.h"
 
 namespace tunadm {
@@ -78,19 +79,19 @@ std::string synonyms(const CommandRow& row) {
   return text;
 }
 
-std::string paramItem(const InputParamBase& param) {
-  std::string text = ".It " + paramWords(param) + "\n" + std::string(param.typeName());
+std::string paramItem(const InputParamBase& param, std::string_view command) {
+  std::string text = ".It " + paramWords(param) + "\n(" + std::string(param.typeName());
   if (param.required()) text += ", required";
   const std::vector<std::string> values = valuesOf(param);
   if (hintOf(param) == "sys-impl") text += ", one of " + joined(values, ", ");
-  return text + "\n";
+  return text + ")\n" + prose(paramText(command, param.name()));
 }
 
-std::string paramList(const TunadmCommandInstance& command) {
+std::string paramList(const TunadmCommandInstance& command, std::string_view name) {
   const std::vector<const InputParamBase*> params = shownParams(command);
   if (params.empty()) return "";
   std::string text = ".Pp\nParameters:\n.Bl -tag -compact -width Ds\n";
-  for (const InputParamBase* param : params) text += paramItem(*param);
+  for (const InputParamBase* param : params) text += paramItem(*param, name);
   return text + ".El\n";
 }
 
@@ -104,7 +105,7 @@ std::string resultField(const ResultParamBase& field) {
   StringVectorValueBinder out(take);
   field.render(out);
   if (type == "string" && lines.empty()) return "";
-  if (field.name().starts_with('_')) return "lines of text";
+  if (field.name().starts_with('_')) return std::string(listText(field.name()));
   return ".Va " + field.name() + "\n(" + (type == field.name() ? "lines of text" : type) + ")";
 }
 
@@ -144,7 +145,7 @@ std::string manualCommands() {
     seen.push_back(row.command);
     const ScopedPtr<TunadmCommandInstance> command = sampleOf(*row.command);
     text += itemHead(row, *command) + prose(row.command->description) + synonyms(row);
-    text += paramList(*command) + resultList(command.get());
+    text += paramList(*command, row.command->name) + resultList(command.get());
   }
   text.pop_back();
   return text;
