@@ -15,7 +15,7 @@ static LogLevel expectedLevel(std::string_view text) {
   const std::string_view name = text.substr(start, text.find_first_of(" ]", start) - start);
   if (name.empty()) return kLogInfo;
   for (const auto& level : kLogLevels)
-    for (const auto* other : {level.full_name, level.alternative_name})
+    for (const std::string_view other : {level.full_name, level.alternative_name})
       if (equalIgnoringCase(name, other) || equalIgnoringCase(text.substr(0, 2), level.short_name))
         return &level;
   for (const char* fatal : {"PANIC", "EMERG", "EMERGENCY", "CRITICAL", "ALERT"})
