@@ -1,5 +1,6 @@
 // The profile store, used through its own functions at its real place.
 #include <gtest/gtest.h>
+#include <sys/mount.h>
 #include <unistd.h>
 
 #include <map>
@@ -8,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "fundkit/FileUtils.h"
 #include "profiles/ConfigControl.h"
 #include "profiles/CurrentProfile.h"
 #include "profiles/FlatForms.h"
@@ -166,6 +168,16 @@ TEST(ConfigControl, NothingIsReadWithoutAProfile) {
                  readLogLevel(dir_name, &value) || readMasterInterface(dir_name, &value));
     EXPECT_EQ(value + port, "");
   }
+}
+
+TEST(FileUtils, MovesAcrossFileSystems) {
+  TestHost host;
+  host.file("/tmp/file", "1").file("/tmp/fs/x", "");
+  ASSERT_EQ(mount("none", "/tmp/fs", "tmpfs", 0, nullptr), 0);
+  EXPECT_TRUE(moveFile("/tmp/file", "/tmp/fs/file", Overwrite::kNo).ok());
+  EXPECT_EQ(host.read("/tmp/fs/file"), "1");
+  EXPECT_FALSE(host.exists("/tmp/file"));
+  EXPECT_EQ(umount("/tmp/fs"), 0);
 }
 
 }  // namespace

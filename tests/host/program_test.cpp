@@ -202,16 +202,5 @@ TEST(Diagnostics, LogVersionsBundleAndInterfaces) {
   EXPECT_EQ(host.says("list versions"), "hipapp_version: 2.2\ntunadm_version: 2.2\n");
 }
 
-TEST(Lock, IsNotTakenFromADirectoryThatSomebodyElseOwns) {
-  TestHost host;
-  host.factory().link("/opt", "/tmp/lock");
-  if (lchown("/tmp/lock", 1000, 1000) != 0) GTEST_SKIP() << "only root can give files away";
-  const Outcome outcome = host.run("/usr/sbin/tunadm " + kCreateOffice);
-  EXPECT_EQ(outcome.err,
-            "W~ tunadm ProfileLock.cpp ProfileLock: going on without the profile lock\n");
-  EXPECT_EQ(outcome.out.rfind("details:\nprofile_name=office\n", 0), 0u);
-  EXPECT_FALSE(host.exists("/opt/profiles.lock"));
-}
-
 }  // namespace
 }  // namespace tunadm
