@@ -102,9 +102,8 @@ TEST(Concurrency, NothingIsLostOrNamedTwice) {
     EXPECT_TRUE(names.insert(name).second) << "twice: " << name;
     EXPECT_EQ(host.read(line.substr(0, line.find(':')) + "/profile_name"), name + "\n");
   }
-  for (int number = kKillers; number < kWorkers; ++number) {
+  for (int number = kKillers; number < kWorkers; ++number)
     EXPECT_TRUE(names.contains("own" + std::to_string(number) + ".")) << number;
-  }
 }
 
 }  // namespace

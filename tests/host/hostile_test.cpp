@@ -5,9 +5,9 @@
 #include <sys/sysmacros.h>
 #include <unistd.h>
 
-#include <cstddef>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -170,15 +170,6 @@ TEST(Hostile, EnvironmentMakesNoDifference) {
   }
 }
 
-std::vector<std::string> configFiles(const TestHost& host) {
-  std::vector<std::string> files = {host.read(".current")};
-  for (const std::string dir : {"one/", "two/"}) {
-    for (const char* name : {"hip.conf", "endbox.conf", "mapconfig.static", "profile_name"})
-      files.push_back(host.read(dir + name));
-  }
-  return files;
-}
-
 TEST(Hostile, FullDisks) {
   const char* const kFillers[] = {"head -c 400000 /dev/zero >/opt/vrx/filler",
                                   "while : >/opt/vrx/filler$i; do i=${i}x; done"};
@@ -196,12 +187,12 @@ TEST(Hostile, FullDisks) {
       {"support reset two", {"", "", "", ""}},
   };
   for (const auto& c : cases) {
-    std::vector<std::string> healthy;
+    std::map<std::string, std::string> healthy;
     for (int trouble = -1; trouble < 5; ++trouble) {  // none, those of the codes, no lock to be had
       SCOPED_TRACE(std::string(c.line) + ", trouble " + std::to_string(trouble));
       Store host;
       EXPECT_EQ(mount("none", "/opt/vrx", "tmpfs", 0, "size=256k,nr_inodes=100"), 0);
-      const std::vector<std::string> before = configFiles(host.fill());
+      const auto before = host.fill().files();
       if (trouble == 0 || trouble == 1) shell(host, kFillers[trouble]);
       const auto read_only = [&](int when) { return trouble == when ? 1UL * MS_RDONLY : 0UL; };
       EXPECT_EQ(mount("", "/opt/vrx", "", MS_REMOUNT | read_only(2), ""), 0);
@@ -213,10 +204,10 @@ TEST(Hostile, FullDisks) {
       const std::string code = trouble < 0 || trouble == 4 ? "" : c.codes[trouble];
       EXPECT_EQ(outcome.out.find("status_code: 0x" + code) == std::string::npos, code.empty())
           << outcome.out;
-      const std::vector<std::string> after = configFiles(host);
+      auto after = host.files();
       if (trouble < 0) healthy = after;
-      for (std::size_t i = 0; i < after.size(); ++i)
-        EXPECT_TRUE(after[i] == before[i] || after[i] == healthy[i]) << i << ":\n" << after[i];
+      for (const auto& [path, text] : before)
+        EXPECT_TRUE(after[path] == text || after[path] == healthy[path]) << path;
       EXPECT_EQ(host.runWords({"/usr/bin/find", "/opt", "-name", "*.temp"}).out, "");
       EXPECT_EQ(umount("/tmp/lock") + umount("/opt/vrx"), 0);
     }

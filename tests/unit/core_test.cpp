@@ -10,6 +10,7 @@
 #include "core/StatusText.h"
 #include "json/JsonParser.h"
 #include "json/JsonPrinter.h"
+#include "tests/support/Rows.h"
 
 namespace tunadm {
 namespace {
@@ -51,19 +52,18 @@ std::string bindWords(SampleCommand* command, const std::string& line, std::size
 }
 
 TEST(Binding, Words) {
-  for (const std::string row :
-       {"needed=x =lost -> ", "needed= command_name=x auth=a requestID=1 output=o -> ",
-        " -> illegal or missing parameter: needed", "needed -> parameter value required",
-        "needed=<single-word-command-absent> -> parameter value required",
-        "needed=x foo=1 -> disregarding unused input: foo",
-        "foo number=x -> disregarding unused input: foo",
-        "needed=x truth=maybe -> illegal value presented: \"maybe\"",
-        "needed=x number= -> illegal value presented: \"\"",
-        "needed=x word=perhaps -> illegal single-word input: \"perhaps\""}) {
-    SampleCommand command;
-    const std::string line = row.substr(0, row.find(" -> "));
-    EXPECT_EQ(line + " -> " + bindWords(&command, line), row);
-  }
+  expectRows({"needed=x =lost -> ", "needed= command_name=x auth=a requestID=1 output=o -> ",
+              " -> illegal or missing parameter: needed", "needed -> parameter value required",
+              "needed=<single-word-command-absent> -> parameter value required",
+              "needed=x foo=1 -> disregarding unused input: foo",
+              "foo number=x -> disregarding unused input: foo",
+              "needed=x truth=maybe -> illegal value presented: \"maybe\"",
+              "needed=x number= -> illegal value presented: \"\"",
+              "needed=x word=perhaps -> illegal single-word input: \"perhaps\""},
+             [](const std::string& line) {
+               SampleCommand command;
+               return bindWords(&command, line);
+             });
   SampleCommand command;  // What is bound before a failure stays, and the last value counts.
   EXPECT_NE(bindWords(&command, "number=5 number2=6 text=new"), "");
   EXPECT_EQ(command.number.value(), 5);
@@ -75,41 +75,39 @@ TEST(Binding, Words) {
 
 TEST(Binding, JsonValues) {
   SampleCommand command;
-  for (const std::string row :
-       {R"("number": 3.9 -> 3)", R"("number": -3.9 -> -3)", R"("number": 1e300 -> 2147483647)",
-        R"("number": -1e300 -> -2147483648)", R"("truth": 1 -> illegal value presented: 1)",
-        R"("number": true -> illegal value presented: true)",
-        R"("text": 2.5 -> illegal value presented: 2.500000)",
-        R"("text": null -> illegal value presented: null)",
-        R"("word": true -> illegal single-word input: true)"}) {
-    const std::string member = row.substr(0, row.find(" -> "));
-    const ScopedJson object(parseJson((R"({"needed": "x", )" + member + "}").c_str(), -1));
-    const Status bound = bind_json_args(&command, object.get());
-    const std::string number = std::to_string(command.number.value());
-    EXPECT_EQ(member + " -> " + (bound.ok() ? number : bound.details()), row);
-  }
+  expectRows(
+      {R"("number": 3.9 -> 3)", R"("number": -3.9 -> -3)", R"("number": 1e300 -> 2147483647)",
+       R"("number": -1e300 -> -2147483648)", R"("truth": 1 -> illegal value presented: 1)",
+       R"("number": true -> illegal value presented: true)",
+       R"("text": 2.5 -> illegal value presented: 2.500000)",
+       R"("text": null -> illegal value presented: null)",
+       R"("word": true -> illegal single-word input: true)"},
+      [&](const std::string& member) {
+        const ScopedJson object(parseJson((R"({"needed": "x", )" + member + "}").c_str(), -1));
+        const Status bound = bind_json_args(&command, object.get());
+        return bound.ok() ? std::to_string(command.number.value()) : bound.details();
+      });
   const ScopedJson no_words(parseJson("[4]", -1));
   EXPECT_EQ(bindCommandWords(&command, no_words.get(), 0).details(), "parameter not a string");
 }
 
 TEST(Binding, OptionsCountInTheirPlaceOnTheLine) {
-  for (const std::string row : {"a b --quiet --verbose -> v", "a --quiet --text --json -> qj",
-                                "a b --verbose --quiet --json --text -> qt"}) {
-    SampleCommand command;
-    const std::string line = row.substr(0, row.find(" -> "));
-    EXPECT_NE(bindWords(&command, line, 2), "");
-    const OutputFlags& flags = command.flags();
-    std::string shown = flags.quiet ? "q" : "";
-    shown.append(flags.verbose ? "v" : "").append(flags.json ? "j" : "");
-    EXPECT_EQ(shown.append(flags.text ? "t" : ""), row.substr(row.find(" -> ") + 4)) << row;
-  }
+  expectRows({"a b --quiet --verbose -> v", "a --quiet --text --json -> qj",
+              "a b --verbose --quiet --json --text -> qt"},
+             [](const std::string& line) {
+               SampleCommand command;
+               EXPECT_NE(bindWords(&command, line, 2), "");
+               const OutputFlags& flags = command.flags();
+               std::string shown = flags.quiet ? "q" : "";
+               shown.append(flags.verbose ? "v" : "").append(flags.json ? "j" : "");
+               return shown.append(flags.text ? "t" : "");
+             });
 }
 
 TEST(Params, Texts) {
   SampleCommand command;
-  for (const char* text : {"2147483648", "-2147483649", "", " ", "+", "+-1", "1x", "1 ", "0x10"}) {
+  for (const char* text : {"2147483648", "-2147483649", "", " ", "+", "+-1", "1x", "1 ", "0x10"})
     EXPECT_FALSE(command.number.setFromText(text)) << text;
-  }
   for (const char* text : {"7", "+7", " \t\v7", "007"}) {
     EXPECT_TRUE(command.number.setFromText(text)) << text;
     EXPECT_EQ(command.number.value(), 7) << text;

@@ -47,16 +47,6 @@ TEST(FileUtils, Move) {
   EXPECT_EQ(temp.read("from") + temp.read("to"), "<none>1");
 }
 
-TEST(FileUtils, MakeAndRemove) {
-  const TempDirectory temp;
-  const std::string dir = temp.at("dir");
-  EXPECT_TRUE(makeNewDirectory(dir, 0700).ok() && makeDirectory(dir, 0755).ok());
-  EXPECT_FALSE(makeNewDirectory(dir, 0755).ok() || removeFile(dir).ok());
-  EXPECT_EQ(temp.mode("dir"), 0700U);
-  EXPECT_EQ(removeEntry(temp.path()).code(), kRmdirFailed);
-  EXPECT_TRUE(removeEntry(dir).ok() && removeFile(dir).ok() && !pathExists(dir));
-}
-
 // A test that hangs here waits for the other end of the FIFO.
 TEST(FileUtils, LinesAndWhatIsNotReadable) {
   const TempDirectory temp;
