@@ -173,7 +173,6 @@ TEST(Diagnostics, LogVersionsBundleAndInterfaces) {
       {"list log office max_lines=0", "profile_name: office\n"},
       {"list log long", last_fifty + "profile_name: long\n"},
       {"list log long max_lines=-1", last_fifty + "profile_name: long\n"},
-      {"list log long max_lines=200000", log + "profile_name: long\n"},
       {"list log .factory --verbose",
        "method: list log\nstatus_text: success with warnings\nstatus_code: 0x00000002\n"
        "no logfile available for this profile\nprofile_name: .factory\n"},
