@@ -65,8 +65,6 @@ TEST(JsonParser, Values) {
       // A closing bracket makes good what went wrong inside.
       {R"({"a" 1})", "{ }"},
       {"{a:1 x}", R"({ "a":1 })"},
-      {"[,1]", "[ ]"},
-      {"[1}]", "[ 1 ]"},
       {R"([{"a":},[3],{"b":2}])", R"([ { }, [ 3 ], { "b":2 } ])"},
       {R"({"a":{"":{"c":[1]}},"":[2],b:2})", R"({ "a":{ }, "b":2 })"},
   };
@@ -116,7 +114,6 @@ TEST(JsonPrinter, StringsAndTheWordsOfAnArray) {
   const std::vector<std::string> words = {"q\"", "null", "[ ]",
                                           "{ \"q'\t\xc3\":{ }, \"n\":\"\\t\" }"};
   EXPECT_EQ(arrayToWords(array.get()), words);
-  EXPECT_EQ(printed(nullptr), "");
 }
 
 TEST(JsonObject, SetMemberReplacesInPlaceAndRemovalMovesTheLastMemberIntoTheGap) {

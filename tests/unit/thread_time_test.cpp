@@ -49,7 +49,6 @@ TEST(Mutex, HoldThresholds) {
   };
   EXPECT_EQ(reportOf(TimedMutex("", kDay, -5)), "<unnamed mutex>,holder,0");
   EXPECT_EQ(reportOf(PortableMutex("a", kDay, 1)), "a,holder,1");
-  EXPECT_EQ(reportOf(PortableMutex("b", 0, 500)), "");
   EXPECT_EQ(reportOf(PortableMutex("d", kDay, kDay)), "");
 }
 
@@ -97,7 +96,6 @@ TEST(Duration, ParseAndFormat) {
 TEST(Timestamp, FormatParseAndNames) {
   EXPECT_EQ(formatTimestamp(999999, false, ' '), "1970-01-01 00:00:00");
   EXPECT_EQ(formatTimestamp(1709210096012345, true, 'T'), "2024-02-29T12:34:56.012345");
-  EXPECT_EQ(formatTimestamp(-1, true, 'T'), "1969-12-31T23:59:59.999999");
   const ParseCase cases[] = {
       {1709210096000000, {"2024-02-29T12:34:56", "2024-2-29T 12:34:56.9", "2023-13-60T11:94:56"}},
       {-2000000, {"1969-12-31T23:59:58"}},
