@@ -75,8 +75,8 @@ TEST(Service, EachInitSystemIsCalledInItsOwnWay) {
     EXPECT_EQ(host.says("service start sys=" + system), kNonzero) << "no init system";
     host.standIn("/bin/systemctl").standIn("/sbin/initctl").standIn("/usr/bin/killall");
     host.standIn("/etc/init.d/quenlay");
-    for (const std::string verb : {"start", "stop", "bounce"}) {
-      EXPECT_EQ(host.says("service " + verb + " sys=" + system), calls.empty() ? kNonzero : "");
+    for (const char* verb : {"service start sys=", "service stop sys=", "service bounce sys="}) {
+      EXPECT_EQ(host.says(verb + system), calls.empty() ? kNonzero : "");
     }
     EXPECT_EQ(host.read("/tmp/calls"), calls);
   }
