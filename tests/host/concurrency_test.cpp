@@ -1,7 +1,5 @@
 // Many processes at once on one store, some of which are killed.
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -50,23 +48,14 @@ void work(const TestHost& host, const std::string& own, time_t deadline) {
 
 // Kills commands on the shared profiles, also while they hold the lock. Not ones that run the init
 // system: it would go on after the lock is gone.
-void killSome(unsigned seed, time_t deadline) {
+void killSome(const TestHost& host, unsigned seed, time_t deadline) {
+  const char* const lines[] = {"create office helmsman=k", "delete office",
+                               "rename lab new_name=office", "modify lab network=eth9"};
   std::mt19937 random(seed);
   while (time(nullptr) < deadline) {
-    const pid_t child = fork();
-    if (child == 0) {
-      (void)dup2(open("/dev/null", O_WRONLY), STDOUT_FILENO);
-      const char* const lines[][3] = {{"create", "office", "helmsman=k"},
-                                      {"delete", "office"},
-                                      {"rename", "lab", "new_name=office"},
-                                      {"modify", "lab", "network=eth9"}};
-      const auto& line = lines[random() % 4];
-      execl("/usr/sbin/tunadm", "tunadm", "profile", line[0], line[1], line[2], nullptr);
-      _exit(1);
-    }
-    usleep(static_cast<useconds_t>(random() % 20000));
-    (void)kill(child, SIGKILL);
-    EXPECT_EQ(waitpid(child, nullptr, 0), child);
+    const std::string seconds = "0.00" + std::to_string(1000 + random() % 9000);
+    (void)host.run("/usr/bin/timeout -s KILL " + seconds + " /usr/sbin/tunadm profile " +
+                   lines[random() % 4]);
   }
 }
 
@@ -83,7 +72,7 @@ TEST(Concurrency, NothingIsLostOrNamedTwice) {
     if (workers.back() != 0) continue;
     alarm(kSeconds + 30);  // ends who waits for the lock for ever
     if (number < kKillers) {
-      killSome(static_cast<unsigned>(number), deadline);
+      killSome(host, static_cast<unsigned>(number), deadline);
     } else {
       work(host, "own" + std::to_string(number) + ".", deadline);
     }
@@ -102,9 +91,8 @@ TEST(Concurrency, NothingIsLostOrNamedTwice) {
     EXPECT_TRUE(names.insert(name).second) << "twice: " << name;
     EXPECT_EQ(host.read(line.substr(0, line.find(':')) + "/profile_name"), name + "\n");
   }
-  for (int number = kKillers; number < kWorkers; ++number) {
+  for (int number = kKillers; number < kWorkers; ++number)
     EXPECT_TRUE(names.contains("own" + std::to_string(number) + ".")) << number;
-  }
 }
 
 }  // namespace

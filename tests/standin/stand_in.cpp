@@ -6,16 +6,10 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <iterator>
 #include <sstream>
 #include <string>
 
 namespace {
-
-std::string contentOf(const char* path) {
-  std::ifstream stream(path);
-  return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-}
 
 void recordCall(char** arguments) {
   std::error_code unknown;  // shows as a line that begins with a blank
@@ -31,8 +25,9 @@ int endAsOrdered() {
   std::ifstream orders(path);
   std::string order;
   if (!std::getline(orders, order)) return 0;
-  const std::string rest{std::istreambuf_iterator<char>(orders), std::istreambuf_iterator<char>()};
-  std::ofstream(path) << rest;
+  std::ostringstream rest;
+  rest << orders.rdbuf();
+  std::ofstream(path) << rest.str();
   std::string kind;
   int number = 0;
   std::istringstream(order) >> kind >> number;
@@ -44,6 +39,6 @@ int endAsOrdered() {
 
 int main(int, char** arguments) {
   recordCall(arguments);
-  std::cout << contentOf("/tmp/stand-in-output") << std::flush;
+  std::cout << std::ifstream("/tmp/stand-in-output").rdbuf() << std::flush;
   return endAsOrdered();
 }

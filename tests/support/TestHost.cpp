@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <sched.h>
 #include <stdio.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -38,31 +39,28 @@ bool becomeOrdinaryUser() {
 
 std::vector<std::string> split(std::string line) {
   std::vector<std::string> words;
-  for (line += ' '; !line.empty(); line.erase(0, words.back().size() + 1)) {
+  for (line += ' '; !line.empty(); line.erase(0, words.back().size() + 1))
     words.push_back(line.substr(0, line.find(' ')));
-  }
   return words;
 }
 
 // The child's part of a run; anything that cannot be done ends it.
-[[noreturn]] void becomeProgram(std::vector<std::string> words, RunAs user, FILE* out, FILE* err) {
+[[noreturn]] void becomeProgram(std::vector<std::string> words, RunAs user, int out, int err) {
   std::vector<char*> arguments;
   arguments.reserve(words.size() + 1);
   for (std::string& word : words) arguments.push_back(word.data());
   arguments.push_back(nullptr);
   const bool ready = dup2(open("/dev/null", O_RDONLY | O_CLOEXEC), STDIN_FILENO) >= 0 &&
-                     dup2(fileno(out), STDOUT_FILENO) >= 0 &&
-                     dup2(fileno(err), STDERR_FILENO) >= 0 &&
+                     dup2(out, STDOUT_FILENO) >= 0 && dup2(err, STDERR_FILENO) >= 0 &&
                      (user == RunAs::kRoot || becomeOrdinaryUser());
   if (ready) execv(arguments[0], arguments.data());
   _exit(kNotStarted);
 }
 
-std::string takeOutput(FILE* file) {
-  std::string text;
-  rewind(file);
-  for (int byte = getc(file); byte != EOF; byte = getc(file)) text += static_cast<char>(byte);
-  (void)fclose(file);  // was only read from
+// Reads a file that has no name, and lets it go.
+std::string takeOutput(const TestHost& host, int file) {
+  const std::string text = host.read("/proc/self/fd/" + std::to_string(file));
+  (void)close(file);  // was only read from
   return text;
 }
 
@@ -136,14 +134,21 @@ mode_t TestHost::mode(const std::string& path) const {
   return stat(located(path).c_str(), &entry) == 0 ? entry.st_mode & 07777 : 0;
 }
 
+std::map<std::string, std::string> TestHost::files() const {
+  std::map<std::string, std::string> found;
+  for (const auto& entry : fs::recursive_directory_iterator(kProfiles))
+    if (entry.is_regular_file()) found[entry.path()] = read(entry.path());
+  return found;
+}
+
 Outcome TestHost::run(const std::string& line, RunAs user) const {
   return runWords(split(line), user);
 }
 
 Outcome TestHost::runWords(const std::vector<std::string>& words, RunAs user) const {
   // Files without a name take any amount of output, so nobody need read while the child writes.
-  FILE* const out = tmpfile();
-  FILE* const err = tmpfile();
+  const int out = memfd_create("out", MFD_CLOEXEC);
+  const int err = memfd_create("err", MFD_CLOEXEC);
   const pid_t child = fork();
   if (child == 0) becomeProgram(words, user, out, err);
   int status = 0;
@@ -152,8 +157,8 @@ Outcome TestHost::runWords(const std::vector<std::string>& words, RunAs user) co
   if (WIFSIGNALED(status)) outcome.signal = WTERMSIG(status);
   if (WIFEXITED(status)) outcome.exit = WEXITSTATUS(status);
   EXPECT_NE(outcome.exit, kNotStarted) << "not run: " << words[0];
-  outcome.out = takeOutput(out);
-  outcome.err = takeOutput(err);
+  outcome.out = takeOutput(*this, out);
+  outcome.err = takeOutput(*this, err);
   return outcome;
 }
 

@@ -3,6 +3,7 @@
 
 #include <sys/types.h>
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -46,6 +47,8 @@ class TestHost {
   std::string read(const std::string& path) const;
   bool exists(const std::string& path) const;
   mode_t mode(const std::string& path) const;
+  // The contents of all plain files of the store, by path.
+  std::map<std::string, std::string> files() const;
 
   // Runs a command line, split at each single blank, to its end. An ordinary user is one whose
   // user IDs are not 0; where the machine gave no root it owns root's files all the same, so only

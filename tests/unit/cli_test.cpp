@@ -7,6 +7,7 @@
 #include "cli/Catalogue.h"
 #include "cli/CatalogueParams.h"
 #include "cli/HelpPages.h"
+#include "tests/support/Rows.h"
 
 namespace tunadm {
 namespace {
@@ -57,40 +58,33 @@ TEST(Catalogue, WaysToNameACommandAndItsHelp) {
     EXPECT_EQ(lookedUp(name), "2 " + name);
     EXPECT_EQ(helpedWith(name), name);
   }
-  for (const std::string row :
-       {"profile x modify y -> 3 profile modify x",
-        "profile rename create -> 3 profile rename create", "show log x -> 3 list log x",
-        "service bounce -> 2 service restart", "show interfaces -> 2 list interfaces",
-        "tunadm show profiles -> 2 list profiles", "show versions -> 2 list versions",
-        "json {} x -> 2 json <object>", "usage --quiet -> 2 usage", "help -> 1 help",
-        "reference -> 1 reference", "tunadm -> 0 usage", "Profile create x -> -1",
-        "profile x y -> -1", "list x log -> -1", "json -> -1", "tunadm tunadm -> -1"}) {
-    const std::string line = row.substr(0, row.find(" -> "));
-    EXPECT_EQ(line + " -> " + lookedUp(line), row);
-  }
-  for (const std::string row :
-       {"settings -> tunadm help for command: help", "services bounce x -> service restart",
-        "profile rename x -> tunadm help for 'profile' commands:", "show log -> list log",
-        "profiles rename -> tunadm help for 'profile' commands:", "json -> json <object>",
-        "services -> tunadm help for 'service' commands:",
-        "show -> tunadm help for 'list' commands:",
-        "internal -> tunadm help for 'internal' commands:",
-        "log x -> tunadm help for 'log' commands:"}) {
-    const std::string words = row.substr(0, row.find(" -> "));
-    EXPECT_EQ(words + " -> " + helpedWith(words), row);
-  }
+  expectRows({"profile x modify y -> 3 profile modify x",
+              "profile rename create -> 3 profile rename create", "show log x -> 3 list log x",
+              "service bounce -> 2 service restart", "show interfaces -> 2 list interfaces",
+              "tunadm show profiles -> 2 list profiles", "show versions -> 2 list versions",
+              "json {} x -> 2 json <object>", "usage --quiet -> 2 usage", "help -> 1 help",
+              "reference -> 1 reference", "tunadm -> 0 usage", "Profile create x -> -1",
+              "profile x y -> -1", "list x log -> -1", "json -> -1", "tunadm tunadm -> -1"},
+             &lookedUp);
+  expectRows({"settings -> tunadm help for command: help", "services bounce x -> service restart",
+              "profile rename x -> tunadm help for 'profile' commands:", "show log -> list log",
+              "profiles rename -> tunadm help for 'profile' commands:", "json -> json <object>",
+              "services -> tunadm help for 'service' commands:",
+              "show -> tunadm help for 'list' commands:",
+              "internal -> tunadm help for 'internal' commands:",
+              "log x -> tunadm help for 'log' commands:"},
+             &helpedWith);
 }
 
 TEST(CatalogueParams, Helmsman) {
-  for (const std::string row : {"10.0.0.1:9000 -> 10.0.0.1 9000", "h -> h 8096", "h:abc -> h 0",
-                                "h:12:34 -> h 12", ":9000 ->  9000", " -> refused"}) {
-    const std::string text = row.substr(0, row.find(" -> "));
-    ParamList list;
-    HelmsmanParam param(&list, Required::kYes);
-    const bool taken = param.setFromText(text);
-    const std::string address = param.host() + " " + std::to_string(param.port());
-    EXPECT_EQ(text + " -> " + (taken ? address : "refused"), row);
-  }
+  expectRows({"10.0.0.1:9000 -> 10.0.0.1 9000", "h -> h 8096", "h:abc -> h 0", "h:12:34 -> h 12",
+              ":9000 ->  9000", " -> refused"},
+             [](const std::string& text) {
+               ParamList list;
+               HelmsmanParam param(&list, Required::kYes);
+               if (!param.setFromText(text)) return std::string("refused");
+               return param.host() + " " + std::to_string(param.port());
+             });
 }
 
 TEST(Help, Pages) {
@@ -98,12 +92,6 @@ TEST(Help, Pages) {
             "\nNAME\nservice restart - Stops the vrx-hipd background process if it is running, and "
             "then starts it up again.\n\nUSAGE\nservice restart [sys=<sys-impl>] [full]\n\n"
             "PARAMETERS\nsys                 sys impl name\nfull                single word\n");
-  EXPECT_EQ(joined(helpPage(split("help support x"))),
-            "tunadm help for 'support' commands:\n"
-            "    'support reset' clean temporary data from a profile\n"
-            "    'support bundle' generate a support bundle\n");
-  EXPECT_NE(joined(helpPage(split("help"))).find("\n    'profile create' makes a new profile\n"),
-            std::string::npos);
   testing::internal::CaptureStdout();
   printReference();
   const std::string printed = testing::internal::GetCapturedStdout();
@@ -113,12 +101,9 @@ TEST(Help, Pages) {
         "[log_level=<info | warn | error | debug | trace>] [sys=<sys-impl>] [activate]\n"
         "         details=<profile-details> profile_name=<string>\n\n"
         "  profile delete <profile name>\n         <no additional result data>\n\n",
-        "\n  list profiles\n         _profiles=<profile-list> current_dir=<string> "
-        "current_name=<string> root_dir=<string>\n\n",
         " [max_lines=<integer>] ", "\n         running=<bool> helmsman=<bool> tunnel=<bool>\n",
-        "\n  deviceID: <string, the device ID for a managed profile\n"}) {
+        "\n  deviceID: <string, the device ID for a managed profile\n"})
     EXPECT_NE(printed.find(part), std::string::npos) << part;
-  }
 }
 
 }  // namespace
