@@ -29,18 +29,24 @@ class LinePrinter {
   LinePrinter& operator=(const LinePrinter&) = delete;
   ~LinePrinter() { flush(); }
 
-  void print(std::string_view line) {
-    text_.append(line).push_back('\n');
-    if (text_.size() >= kLargestWrite) flush();
+  void print(std::string_view lines) {
+    if (text_.size() + lines.size() >= kLargestWrite) flush();
+    if (lines.size() >= kLargestWrite) {
+      write(lines);
+      lines = {};
+    }
+    text_.append(lines).push_back('\n');
   }
 
  private:
   static constexpr std::size_t kLargestWrite = std::size_t{64} * 1024;
 
   void flush() {
-    broken_ = broken_ || !writeOutput(STDOUT_FILENO, text_);
+    write(text_);
     text_.clear();
   }
+
+  void write(std::string_view text) { broken_ = broken_ || !writeOutput(STDOUT_FILENO, text); }
 
   std::string text_;
   bool broken_ = false;

@@ -9,7 +9,8 @@
 
 namespace tunadm {
 
-// Takes one line; the view is good during the call only.
+// Takes one line, or several with a line feed between each two; the view is good during the call
+// only.
 using LineReceiver = std::function<void(std::string_view line)>;
 
 // Hands the lines of a list to `out`, the first one first.

@@ -16,9 +16,11 @@ void tunadm::checkInput(const std::string& text) {
     if (!line.empty() && parseLevel(line) >= threshold) expected.emplace_back(line);
   }
   if (std::ssize(expected) > wanted) expected.erase(expected.begin(), expected.end() - wanted);
-  std::vector<std::string> lines;
+  std::string lines;
   LogExtract extract;
   const Status read = extract.find(fileWith(log), wanted, threshold);
-  extract.print([&lines](std::string_view line) { lines.emplace_back(line); });
-  require(read.code() == kSuccess && lines == expected, "the last lines of the level");
+  extract.print([&lines](std::string_view line) { lines.append(line).append("\n"); });
+  std::string wanted_lines;
+  for (const std::string& line : expected) wanted_lines += line + "\n";
+  require(read.code() == kSuccess && lines == wanted_lines, "the last lines of the level");
 }

@@ -17,17 +17,18 @@ class LogLines {
  public:
   std::size_t count() const { return count_; }
 
-  // Puts `line` before all others. It must hold no line feed.
+  // Puts `line`, of less than a block's size, before all others. It must hold no line feed.
   void addBefore(std::string_view line);
 
-  // Hands out the lines, the first one first.
+  // Hands out the lines, the first one first, many at a time.
   void print(const LineReceiver& out) const;
 
  private:
-  // Texts with a line feed behind each fill it from `start` to `size`.
+  static constexpr std::size_t kBlockSize = std::size_t{256} * 1024;
+
+  // Texts with a line feed behind each fill it from `start` to its end.
   struct Block {
     std::unique_ptr<char[]> bytes;
-    std::size_t size;
     std::size_t start;
   };
 
