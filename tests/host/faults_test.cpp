@@ -133,8 +133,8 @@ struct Faults {
     if (change) spoil(call, "error=ENOSPC");
     if (change) spoil(call, "signal=SIGKILL");
     if (call.name == "write") spoil(call, "retval=1");
-    if (call.isOneOf(
-            {"openat", "read", "pread64", "write", "ftruncate", "fsync", "flock", "wait4", "close"}))
+    if (call.isOneOf({"openat", "read", "pread64", "write", "ftruncate", "fsync", "flock", "wait4",
+                      "close"}))
       spoil(call, "error=EINTR");
   }
 

@@ -59,7 +59,7 @@ std::vector<std::string> split(std::string line) {
 
 // Reads a file that has no name, and lets it go.
 std::string takeOutput(const TestHost& host, int file) {
-  const std::string text = host.read("/proc/self/fd/" + std::to_string(file));
+  std::string text = host.read("/proc/self/fd/" + std::to_string(file));
   (void)close(file);  // was only read from
   return text;
 }
