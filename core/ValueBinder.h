@@ -22,8 +22,8 @@ class ValueBinder {
   virtual bool addList(std::string_view name, const LineSource& items);
 };
 
-// Hands text lines to their receiver: "name: value", or for a list a heading "name:"
-// and its items as they are. A name that is empty or begins with "_" gives no heading.
+// Hands text lines to their receiver: "name: value", or for a list a heading "name:" and its items
+// as they are. A name that is empty or begins with "_" gives no heading.
 class StringVectorValueBinder final : public ValueBinder {
  public:
   // `out` must outlive the sink.

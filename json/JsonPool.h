@@ -91,10 +91,10 @@ struct JsonAllocator {
   template <typename Other>
   constexpr explicit(false) JsonAllocator(const JsonAllocator<Other>& /*other*/) {}
 
-  // T may well be a pointer.
   T* allocate(std::size_t count) {
-    return static_cast<T*>(
-        json_pool.take(count * sizeof(T)));  // NOLINT(bugprone-sizeof-expression)
+    // T is meant to be a pointer in some places, hence the two exceptions.
+    void* const memory = json_pool.take(count * sizeof(T));  // NOLINT(bugprone-sizeof-expression)
+    return static_cast<T*>(memory);
   }
   void deallocate(T* memory, std::size_t count) {
     json_pool.give(memory, count * sizeof(T));  // NOLINT(bugprone-sizeof-expression): see above

@@ -3,7 +3,8 @@
 // A value has one owner: its container or a holder (ScopedJson). Null, the booleans, the numbers
 // -1, 0, 1 and 2 and the empty string are shared instances that every tree may hold and that a
 // release leaves alone. Functions that take a `value` pointer to store own it from then on, also
-// when they do not store it: then they release it. Not for use by several threads at once.
+// when they do not store it: then they release it. Not for use by several threads at once, not even
+// on different trees: all share one pool of memory.
 //
 // A name is any run of bytes; an empty one is no name. An operation on a pointer that is null or of
 // another kind finds nothing (null, 0, empty, -1) and changes nothing.
