@@ -7,7 +7,7 @@
 #include "cli/ListCommands.h"
 #include "cli/ProfileCommands.h"
 #include "cli/ServiceCommands.h"
-#include "cli/SupportCommands.h"
+#include "cli/SupportBundleCommand.h"
 
 namespace tunadm {
 namespace {

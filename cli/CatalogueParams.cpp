@@ -5,7 +5,7 @@
 
 #include "fundkit/LogLevel.h"
 #include "profiles/ConfigText.h"
-#include "service/SystemImpl.h"
+#include "service/InitSystems.h"
 
 namespace tunadm {
 

@@ -7,7 +7,7 @@
 #include <unistd.h>
 
 #include "fundkit/DescriptorIo.h"
-#include "fundkit/WorkDirectories.h"
+#include "fundkit/ProgramDirectories.h"
 
 namespace tunadm {
 namespace {

@@ -5,7 +5,7 @@
 #include "core/Privilege.h"
 #include "core/ProgramStatus.h"
 #include "service/ChildProcess.h"
-#include "service/SystemImpl.h"
+#include "service/InitSystems.h"
 
 namespace tunadm {
 namespace {

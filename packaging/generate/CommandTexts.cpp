@@ -3,7 +3,7 @@
 #include <cstddef>
 
 #include "cli/CommandWords.h"
-#include "service/SystemImpl.h"
+#include "service/InitSystems.h"
 
 namespace tunadm {
 namespace {

@@ -1,4 +1,4 @@
-#include "service/SystemImpl.h"
+#include "service/InitSystems.h"
 
 #include <memory>
 

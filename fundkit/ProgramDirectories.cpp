@@ -1,4 +1,4 @@
-#include "fundkit/WorkDirectories.h"
+#include "fundkit/ProgramDirectories.h"
 
 #include <sys/types.h>
 

@@ -1,4 +1,4 @@
-#include "cli/SupportCommands.h"
+#include "cli/SupportBundleCommand.h"
 
 #include "service/SupportBundle.h"
 
