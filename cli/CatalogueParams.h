@@ -16,7 +16,7 @@ class OptionalProfileParam final : public StringParam {
     hide();
   }
 
-  std::string_view typeName() const override { return "profile name"; }
+  std::string_view description() const override { return "profile name"; }
 };
 
 // "network": the underlay interface.
@@ -25,8 +25,8 @@ class OptionalNetworkParam final : public StringParam {
   explicit OptionalNetworkParam(ParamList* list)
       : StringParam(list, "network", "auto", Required::kNo) {}
 
-  void appendTypeName(std::string* text) const override { text->append("interface | auto"); }
-  std::string_view typeName() const override { return "network interface"; }
+  void appendHint(std::string* text) const override { text->append("interface | auto"); }
+  std::string_view description() const override { return "network interface"; }
 };
 
 // "invitation": the code that enrols the device.
@@ -35,8 +35,8 @@ class OptionalActivationParam final : public StringParam {
   explicit OptionalActivationParam(ParamList* list)
       : StringParam(list, "invitation", "", Required::kNo) {}
 
-  void appendTypeName(std::string* text) const override { text->append("invitation"); }
-  std::string_view typeName() const override { return "invitation code"; }
+  void appendHint(std::string* text) const override { text->append("invitation"); }
+  std::string_view description() const override { return "invitation code"; }
 };
 
 // "log_level": any spelling of a level that the level parser knows; an unknown one reads as INFO.
@@ -51,10 +51,10 @@ class OptionalLogLevelParam final : public InputParamBase {
   const std::string& given() const { return given_; }
 
   bool setFromText(std::string_view text) override;
-  void appendTypeName(std::string* text) const override {
+  void appendHint(std::string* text) const override {
     text->append("info | warn | error | debug | trace");
   }
-  std::string_view typeName() const override { return "log level"; }
+  std::string_view description() const override { return "log level"; }
 
  private:
   std::string value_ = "info";
@@ -72,8 +72,8 @@ class HelmsmanParam final : public InputParamBase {
 
   // An empty text clears the value and is refused.
   bool setFromText(std::string_view text) override;
-  void appendTypeName(std::string* text) const override { text->append("addr:port"); }
-  std::string_view typeName() const override { return "helmsman address, in host:port form"; }
+  void appendHint(std::string* text) const override { text->append("addr:port"); }
+  std::string_view description() const override { return "helmsman address, in host:port form"; }
 
  private:
   std::string host_;
@@ -91,8 +91,8 @@ class SysImplParam final : public InputParamBase {
 
   // An empty text stands for the init system that the host shows, if it shows one.
   bool setFromText(std::string_view text) override;
-  void appendTypeName(std::string* text) const override { text->append("sys-impl"); }
-  std::string_view typeName() const override { return "sys impl name"; }
+  void appendHint(std::string* text) const override { text->append("sys-impl"); }
+  std::string_view description() const override { return "sys impl name"; }
 
  private:
   std::string value_;

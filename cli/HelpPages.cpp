@@ -140,7 +140,7 @@ void appendSummaries(std::span<const SummaryEntry> entries, HelpLines* lines) {
 // "key=<hint>", in brackets when the parameter may be left out.
 std::string usageForm(const InputParamBase& param) {
   std::string hint;
-  param.appendTypeName(&hint);
+  param.appendHint(&hint);
   std::string form(param.required() ? 0 : 1, '[');
   form.append(param.name());
   if (!hint.empty()) form.append("=<").append(hint).append(">");
@@ -164,7 +164,7 @@ void appendParameters(const TunadmCommandInstance& instance, HelpLines* lines) {
     heading = true;
     std::string line = param->name();
     line.resize(std::max(line.size(), kKeyWidth), ' ');
-    lines->push_back(line.append(param->typeName()));
+    lines->push_back(line.append(param->description()));
   }
 }
 

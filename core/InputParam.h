@@ -43,13 +43,13 @@ class InputParamBase : public NamedValueBinder {
   void makeOptional() { required_ = Required::kNo; }
 
   // Appends what help shows as `name=<...>`; nothing for a parameter without a value.
-  virtual void appendTypeName(std::string* text) const = 0;
+  virtual void appendHint(std::string* text) const = 0;
   virtual bool isSingleWord() const { return false; }
   virtual bool needsValue() const { return true; }
   virtual bool isSatisfied() const { return presented() || !required(); }
 
   // The word or words by which help describes the parameter.
-  virtual std::string_view typeName() const = 0;
+  virtual std::string_view description() const = 0;
 
  protected:
   // Appends itself to `list`: declaration order is construction order.
@@ -78,8 +78,8 @@ class StringParam : public InputParamBase {
   const std::string& value() const { return value_; }
 
   bool setFromText(std::string_view text) override;
-  void appendTypeName(std::string* text) const override { text->append("string"); }
-  std::string_view typeName() const override { return "string"; }
+  void appendHint(std::string* text) const override { text->append("string"); }
+  std::string_view description() const override { return "string"; }
 
  private:
   std::string value_;
@@ -96,8 +96,8 @@ class IntParam final : public InputParamBase {
 
   bool setFromText(std::string_view text) override;
   bool setFromInteger(std::int32_t number) override;
-  void appendTypeName(std::string* text) const override { text->append("integer"); }
-  std::string_view typeName() const override { return "integer"; }
+  void appendHint(std::string* text) const override { text->append("integer"); }
+  std::string_view description() const override { return "integer"; }
 
  private:
   std::int32_t value_;
@@ -113,8 +113,8 @@ class BoolParam final : public InputParamBase {
 
   bool setFromText(std::string_view text) override;
   bool setFromBoolean(bool truth) override;
-  void appendTypeName(std::string* text) const override { text->append("boolean"); }
-  std::string_view typeName() const override { return "boolean"; }
+  void appendHint(std::string* text) const override { text->append("boolean"); }
+  std::string_view description() const override { return "boolean"; }
 
  private:
   bool value_;
@@ -134,10 +134,10 @@ class SingleWordParam final : public InputParamBase {
   bool present() const { return value_ == kWordPresent; }
 
   bool setFromText(std::string_view text) override;
-  void appendTypeName(std::string*) const override {}
+  void appendHint(std::string*) const override {}
   bool isSingleWord() const override { return true; }
   bool needsValue() const override { return false; }
-  std::string_view typeName() const override { return "single word"; }
+  std::string_view description() const override { return "single word"; }
 
  private:
   std::string value_;
@@ -148,8 +148,8 @@ class AuthParam final : public StringParam {
  public:
   explicit AuthParam(ParamList* list) : StringParam(list, "auth", "", Required::kNo) {}
 
-  void appendTypeName(std::string* text) const override { text->append("auth string"); }
-  std::string_view typeName() const override { return "auth string"; }
+  void appendHint(std::string* text) const override { text->append("auth string"); }
+  std::string_view description() const override { return "auth string"; }
 };
 
 }  // namespace tunadm

@@ -37,7 +37,7 @@ std::vector<const InputParamBase*> shownParams(const TunadmCommandInstance& comm
 
 std::string hintOf(const InputParamBase& param) {
   std::string hint;
-  param.appendTypeName(&hint);
+  param.appendHint(&hint);
   return hint;
 }
 

@@ -80,7 +80,7 @@ std::string synonyms(const CommandRow& row) {
 }
 
 std::string paramItem(const InputParamBase& param, std::string_view command) {
-  std::string text = ".It " + paramWords(param) + "\n(" + std::string(param.typeName());
+  std::string text = ".It " + paramWords(param) + "\n(" + std::string(param.description());
   if (param.required()) text += ", required";
   const std::vector<std::string> values = valuesOf(param);
   if (hintOf(param) == "sys-impl") text += ", one of " + joined(values, ", ");
