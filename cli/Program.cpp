@@ -14,46 +14,15 @@
 #include "core/ProgramStatus.h"
 #include "core/StatusText.h"
 #include "fundkit/DescriptorIo.h"
+#include "fundkit/LinePrinter.h"
 #include "json/ScopedJson.h"
 #include "json/ScopedRelease.h"
 
 namespace tunadm {
 namespace {
 
-// Collects lines and prints them in large writes, the last one at its end. After a failed write
-// nothing more is printed, so that the output has no hole; there is nowhere left to report it.
-class LinePrinter {
- public:
-  LinePrinter() = default;
-  LinePrinter(const LinePrinter&) = delete;
-  LinePrinter& operator=(const LinePrinter&) = delete;
-  ~LinePrinter() { flush(); }
-
-  void print(std::string_view lines) {
-    if (text_.size() + lines.size() >= kLargestWrite) flush();
-    if (lines.size() >= kLargestWrite) {
-      write(lines);
-      lines = {};
-    }
-    text_.append(lines).push_back('\n');
-  }
-
- private:
-  static constexpr std::size_t kLargestWrite = std::size_t{64} * 1024;
-
-  void flush() {
-    write(text_);
-    text_.clear();
-  }
-
-  void write(std::string_view text) { broken_ = broken_ || !writeOutput(STDOUT_FILENO, text); }
-
-  std::string text_;
-  bool broken_ = false;
-};
-
 void printUsage(const std::string& program) {
-  LinePrinter out;
+  LinePrinter out(STDOUT_FILENO);
   out.print("Usage: " + program + " json <command request object>");
   out.print("   or: " + program + " <two-word command name> <command-specific params>");
   out.print("   or: " + program + " help   (for a command list and short summaries)");
@@ -85,7 +54,7 @@ int runProgram(int argc, char** argv) {
   registerStatusTexts(kProgramModule, &programStatusText);
   setPrivilegeMode(PrivilegeMode::kRootOnly);
 
-  LinePrinter out;
+  LinePrinter out(STDOUT_FILENO);
   std::vector<std::string> words(argv + 1, argv + argc);
   int consumed = 0;
   const ScopedPtr<TunadmCommandInstance> command = lookUpCommand(&words, &consumed);
