@@ -64,6 +64,11 @@ Logger& getLogger(std::string_view name) {
 
 Logger& fundkitLogger() { return registry().loggers.front(); }
 
+Logger& programLogger() {
+  static Logger& logger = getLogger("tunadm");
+  return logger;
+}
+
 void setDefaultThreshold(LogLevel threshold) {
   LoggerRegistry& known = registry();
   known.default_threshold = isValidLevel(threshold) ? threshold : kLogInfo;

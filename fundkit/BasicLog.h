@@ -64,6 +64,9 @@ Logger& getLogger(std::string_view name);
 // The base library's own logger.
 Logger& fundkitLogger();
 
+// The program's logger ("tunadm").
+Logger& programLogger();
+
 // The threshold of all loggers without one of their own; INFO at start and for an invalid value.
 void setDefaultThreshold(LogLevel threshold);
 

@@ -40,8 +40,7 @@ Status cmdGetProfileDetails(std::string_view selector, ProfileDetails* details) 
   details->profile_dir = profile.dir_name;
   details->profile_name = profile.profile_name;
   if (!read_networks(&details->networks)) {
-    static Logger& logger = getLogger("tunadm");
-    TUNADM_LOG(logger, kLogError, "ProfileControl.cpp", "cmdGetProfileDetails",
+    TUNADM_LOG(programLogger(), kLogError, "ProfileControl.cpp", "cmdGetProfileDetails",
                "could not execute read_networks");
   }
   readSettings(profile.dir_name, details);

@@ -17,8 +17,7 @@ ProfileLock::ProfileLock() {
   if (holders++ > 0) return;
   lock_file.emplace("profiles", Blocking::kYes);
   if (!lock_file->held()) {
-    static Logger& logger = getLogger("tunadm");
-    TUNADM_LOG(logger, kLogWarning, sourceFileName(__FILE__), "ProfileLock",
+    TUNADM_LOG(programLogger(), kLogWarning, sourceFileName(__FILE__), "ProfileLock",
                "going on without the profile lock");
   }
 }
