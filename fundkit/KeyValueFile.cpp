@@ -1,6 +1,7 @@
 #include "fundkit/KeyValueFile.h"
 
 #include "core/Status.h"
+#include "fundkit/AsciiText.h"
 #include "fundkit/FileUtils.h"
 #include "fundkit/LineReader.h"
 

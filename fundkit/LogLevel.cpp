@@ -2,8 +2,8 @@
 
 #include <cstddef>
 
+#include "fundkit/AsciiText.h"
 #include "fundkit/BasicLog.h"
-#include "fundkit/LineReader.h"
 
 namespace tunadm {
 namespace {

@@ -1,5 +1,5 @@
 // The log read from its end against the same read from its start. Two bytes say how, and how long.
-#include "fundkit/LineReader.h"
+#include "fundkit/AsciiText.h"
 #include "fuzz/Fuzz.h"
 #include "service/LogExtract.h"
 

@@ -1,9 +1,9 @@
 // The readers of the daemon's files against the same in other words.
 #include <map>
 
+#include "fundkit/AsciiText.h"
 #include "fundkit/FileUtils.h"
 #include "fundkit/KeyValueFile.h"
-#include "fundkit/LineReader.h"
 #include "fuzz/Fuzz.h"
 #include "profiles/ConfigText.h"
 

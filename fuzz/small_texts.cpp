@@ -1,8 +1,8 @@
 // Levels, durations and times as texts. The input's first eight bytes are a number, too.
 #include <cstring>
 
+#include "fundkit/AsciiText.h"
 #include "fundkit/Duration.h"
-#include "fundkit/LineReader.h"
 #include "fundkit/LogLevel.h"
 #include "fundkit/Timestamp.h"
 #include "fuzz/Fuzz.h"

@@ -5,10 +5,10 @@
 #include <cstddef>
 #include <span>
 
+#include "fundkit/AsciiText.h"
 #include "fundkit/BasicLog.h"
 #include "fundkit/FileUtils.h"
 #include "fundkit/KeyValueFile.h"
-#include "fundkit/LineReader.h"
 #include "fundkit/WorkFile.h"
 #include "profiles/NetworkInterfaces.h"
 #include "profiles/ProfilePaths.h"
@@ -154,8 +154,8 @@ bool read_networks(std::vector<std::string>* names) {
   ifaddrs* table = nullptr;
   const int result = getifaddrs(&table);
   if (result != 0 || table == nullptr) {
-    static Logger& logger = getLogger("tunadm");
-    TUNADM_LOG(logger, kLogError, "ConfigControl.cpp", "read_networks", "could not getifaddrs")
+    TUNADM_LOG(programLogger(), kLogError, "ConfigControl.cpp", "read_networks",
+               "could not getifaddrs")
         .detail("status = %d", result);
     return false;
   }

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <vector>
 
+#include "fundkit/AsciiText.h"
 #include "fundkit/LineReader.h"
 
 namespace tunadm {

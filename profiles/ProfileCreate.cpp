@@ -5,9 +5,9 @@
 #include <vector>
 
 #include "core/Privilege.h"
+#include "fundkit/AsciiText.h"
 #include "fundkit/DirectoryListing.h"
 #include "fundkit/FileUtils.h"
-#include "fundkit/LineReader.h"
 #include "fundkit/SignalHold.h"
 #include "profiles/ConfigControl.h"
 #include "profiles/CurrentProfile.h"

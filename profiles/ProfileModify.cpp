@@ -1,7 +1,7 @@
 #include "profiles/ProfileModify.h"
 
 #include "core/Privilege.h"
-#include "fundkit/LineReader.h"
+#include "fundkit/AsciiText.h"
 #include "fundkit/SignalHold.h"
 #include "json/AsciiCase.h"
 #include "profiles/ConfigControl.h"

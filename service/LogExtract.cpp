@@ -7,9 +7,9 @@
 #include <string_view>
 #include <utility>
 
+#include "fundkit/AsciiText.h"
 #include "fundkit/DescriptorIo.h"
 #include "fundkit/FileUtils.h"
-#include "fundkit/LineReader.h"
 #include "service/LogWindow.h"
 
 namespace tunadm {
