@@ -3,38 +3,47 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
-#include <cstddef>
+#include <iterator>
 
+#include "core/ProgramStatus.h"
 #include "fundkit/SignalHold.h"
 
 namespace tunadm {
 namespace {
 
 constexpr int kUnstarted = 101;
-constexpr std::size_t kMostArguments = 5;
+
+int outcomeOf(int wait_status) {
+  if (WIFEXITED(wait_status)) return kExitBase + WEXITSTATUS(wait_status);
+  if (WIFSIGNALED(wait_status)) return kSignalBase + WTERMSIG(wait_status);
+  if (WIFSTOPPED(wait_status)) return kSignalBase + WSTOPSIG(wait_status);
+  return kWaitFailed;
+}
 
 }  // namespace
 
-void becomeProgram(const char* path, std::initializer_list<const char*> arguments) {
+void becomeProgram(const ProgramCall& call) {
   char* vector[kMostArguments + 1] = {};
-  std::size_t count = 0;
-  for (const char* argument : arguments) {
-    if (count == kMostArguments) break;
-    vector[count++] = const_cast<char*>(argument);  // execve does not write to them
-  }
+  // execve does not write to the texts.
+  std::transform(std::begin(call.arguments), std::end(call.arguments), vector,
+                 [](const char* argument) { return const_cast<char*>(argument); });
   releaseSignals();
-  (void)execve(path, vector, environ);  // returns only on failure
+  (void)execve(call.path, vector, environ);  // returns only on failure
   endUnstartedChild();
 }
 
 void endUnstartedChild() { _exit(kUnstarted); }
 
-int childOutcome(int wait_status) {
-  if (WIFEXITED(wait_status)) return kExitBase + WEXITSTATUS(wait_status);
-  if (WIFSIGNALED(wait_status)) return kSignalBase + WTERMSIG(wait_status);
-  if (WIFSTOPPED(wait_status)) return kSignalBase + WSTOPSIG(wait_status);
-  return kWaitFailed;
+Status runChild(const std::function<void()>& body) {
+  const pid_t child = fork();
+  if (child < 0) return Status(kForkFailed);
+  if (child == 0) {
+    body();
+    endUnstartedChild();
+  }
+  return awaitChild(child);
 }
 
 int waitForChild(pid_t child) {
@@ -44,7 +53,15 @@ int waitForChild(pid_t child) {
   do {
     ended = waitpid(child, &wait_status, 0);
   } while (ended < 0 && errno == EINTR);
-  return ended < 0 ? kWaitFailed : childOutcome(wait_status);
+  return ended < 0 ? kWaitFailed : outcomeOf(wait_status);
+}
+
+Status awaitChild(pid_t child) {
+  const int outcome = waitForChild(child);
+  if (outcome == kExitBase) return Status(kSuccess);
+  if (outcome > kExitBase && outcome < kSignalBase) return Status(kChildExitedNonzero);
+  if (outcome >= kSignalBase && outcome < kWaitFailed) return Status(kChildSignalled);
+  return Status(kWaitpidFailed);
 }
 
 }  // namespace tunadm

@@ -3,9 +3,34 @@
 
 #include <sys/types.h>
 
-#include <initializer_list>
+#include <cstddef>
+#include <functional>
+
+#include "core/Status.h"
 
 namespace tunadm {
+
+inline constexpr std::size_t kMostArguments = 5;
+
+// A program and the arguments that it is run with, the first being its name as it sees it. Unused
+// places are null. A call with too many arguments does not compile.
+struct ProgramCall {
+  const char* path;
+  const char* arguments[kMostArguments];
+};
+
+// Replaces the process by that program, with the environment as it is and no signal held back. Ends
+// the process as below when the program cannot be run.
+[[noreturn]] void becomeProgram(const ProgramCall& call);
+
+// Ends a child that has not become another program, with exit code 101 and without the parent's
+// exit handlers.
+[[noreturn]] void endUnstartedChild();
+
+// Runs `body` in a child process, which is to become another program there; a body that returns
+// ends the child as above. Waits for the end of the child, whose output goes where this process's
+// own goes. Fails with kForkFailed or as awaitChild.
+Status runChild(const std::function<void()>& body);
 
 // The outcomes of a child: an exit status or a signal number is added to the first two.
 inline constexpr int kExitBase = 1000;
@@ -13,20 +38,12 @@ inline constexpr int kSignalBase = 2000;
 inline constexpr int kWaitFailed = 3001;
 inline constexpr int kNoChild = 3002;
 
-// Replaces the process by the program at `path`, with up to five arguments (the first is the
-// program's name as it sees it), the environment as it is and no signal held back. Ends the process
-// as below when the program cannot be run.
-[[noreturn]] void becomeProgram(const char* path, std::initializer_list<const char*> arguments);
-
-// Ends a child that has not become another program, with exit code 101 and without the parent's
-// exit handlers.
-[[noreturn]] void endUnstartedChild();
-
-// The outcome that a wait status (waitpid(2)) stands for.
-int childOutcome(int wait_status);
-
 // Waits until `child` has ended and returns its outcome; kNoChild for 0, kWaitFailed when it cannot
-// be waited for.
-int waitForChild(pid_t child);
+// be waited for (waitpid(2)).
+[[nodiscard]] int waitForChild(pid_t child);
+
+// Waits in the same way and returns the outcome as a status: kSuccess after exit status 0, else
+// kChildExitedNonzero, kChildSignalled or kWaitpidFailed.
+Status awaitChild(pid_t child);
 
 }  // namespace tunadm

@@ -26,7 +26,7 @@ class SystemdSystem final : public SystemSpecificImpl {
 
  private:
   [[noreturn]] static void systemctl(const char* verb) {
-    becomeProgram("/bin/systemctl", {"systemctl", verb, "quenlay"});
+    becomeProgram({"/bin/systemctl", {"systemctl", verb, "quenlay"}});
   }
 };
 
@@ -36,13 +36,13 @@ class InitdSystem final : public SystemSpecificImpl {
   [[noreturn]] void start() const override { script("start"); }
   // Deliberate: the daemon is stopped by its program's name, not through its script.
   [[noreturn]] void stop() const override {
-    becomeProgram("/usr/bin/killall", {"killall", "/usr/sbin/quenlay"});
+    becomeProgram({"/usr/bin/killall", {"killall", "/usr/sbin/quenlay"}});
   }
   [[noreturn]] void restart() const override { script("restart"); }
 
  private:
   [[noreturn]] static void script(const char* verb) {
-    becomeProgram("/etc/init.d/quenlay", {"quenlay", verb});
+    becomeProgram({"/etc/init.d/quenlay", {"quenlay", verb}});
   }
 };
 
@@ -56,7 +56,7 @@ class UpstartSystem final : public SystemSpecificImpl {
  private:
   // The job has a name of its own.
   [[noreturn]] static void initctl(const char* verb) {
-    becomeProgram("/sbin/initctl", {"initctl", verb, "hip"});
+    becomeProgram({"/sbin/initctl", {"initctl", verb, "hip"}});
   }
 };
 

@@ -1,4 +1,5 @@
-// The adapters that know how each init system is told to start, stop and restart the service.
+// The host's init systems: one adapter each, which knows how it is told to start, stop and restart
+// the service.
 #pragma once
 
 #include <string_view>
@@ -28,7 +29,8 @@ std::vector<std::string_view> systemNames();
 // changes nothing; an unknown one leaves none installed.
 void selectSystem(std::string_view name);
 
-// The installed adapter. When there is none, systemd's is installed first.
+// The installed adapter; systemd's is installed first when there is none. The reference is good
+// until the next selectSystem.
 const SystemSpecificImpl& currentSystem();
 
 // The name of the init system by the marker files of the installation, "systemd" or "initd"; empty

@@ -17,7 +17,4 @@ Status startService(std::string_view system, RootCheck check);
 Status stopService(std::string_view system, RootCheck check);
 Status restartService(std::string_view system, RootCheck check);
 
-// The status for a child's outcome (ChildProcess.h).
-Status outcomeStatus(int outcome);
-
 }  // namespace tunadm

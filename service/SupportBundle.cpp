@@ -14,9 +14,8 @@ constexpr int kNotRun = 127;
 
 }  // namespace
 
-Status writeSupportBundle() { return bundleStatus(std::system(kBundleScript)); }
-
-Status bundleStatus(int result) {
+Status writeSupportBundle() {
+  const int result = std::system(kBundleScript);
   if (result == 0) return Status(kSuccess);
   const bool not_run = result < 0 || (WIFEXITED(result) && WEXITSTATUS(result) == kNotRun);
   return Status(not_run ? kSystemFailed : kApplicationError);

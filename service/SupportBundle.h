@@ -10,7 +10,4 @@ namespace tunadm {
 // exit with 0.
 Status writeSupportBundle();
 
-// The status for what system(3) returned.
-Status bundleStatus(int result);
-
 }  // namespace tunadm
