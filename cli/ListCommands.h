@@ -7,7 +7,7 @@
 #include "cli/CommandWords.h"
 #include "cli/ProfileCommands.h"
 #include "core/CommandCore.h"
-#include "profiles/ProfileList.h"
+#include "profiles/ProfileRef.h"
 #include "service/LogExtract.h"
 
 namespace tunadm {
@@ -66,8 +66,6 @@ class Hipcmd_GetHipLog final : public ProfileCommand {
   void execute(StatusCodeResultField& result) override;
 
  private:
-  static constexpr int kDefaultLogLines = 50;
-
   class LogResultField final : public ResultParamBase {
    public:
     LogResultField(ResultList* list, std::string_view name) : ResultParamBase(list, name) {}

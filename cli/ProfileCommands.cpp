@@ -8,7 +8,6 @@
 #include "profiles/ProfileDelete.h"
 #include "profiles/ProfileModify.h"
 #include "profiles/ProfileRename.h"
-#include "profiles/ProfileSelector.h"
 #include "profiles/SupportReset.h"
 
 namespace tunadm {
@@ -34,8 +33,7 @@ void Hipcmd_CreateProfile::execute(StatusCodeResultField& result) {
   result.status() = createProfile(request, &created);
   if (!result.status().ok()) return;
   profile_name_.set(created.profile_name);
-  // What is missing stays empty; the profile has been made all the same.
-  (void)cmdGetProfileDetails(selectorOf(created.dir_name), &details_.details());
+  details_.details() = readProfileDetails(created);
 }
 
 void Hipcmd_ShowProfile::execute(StatusCodeResultField& result) {
@@ -63,8 +61,7 @@ void Hipcmd_ModifyProfile::execute(StatusCodeResultField& result) {
   ProfileRef profile;
   result.status() = modifyProfile(selector(), request, &profile);
   if (!result.status().ok()) return;
-  // What is missing stays empty; the profile has been changed all the same.
-  (void)cmdGetProfileDetails(selectorOf(profile.dir_name), &details_.details());
+  details_.details() = readProfileDetails(profile);
 }
 
 void Hipcmd_ActivateProfile::execute(StatusCodeResultField& result) {

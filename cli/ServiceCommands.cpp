@@ -1,5 +1,7 @@
 #include "cli/ServiceCommands.h"
 
+#include "profiles/CurrentProfile.h"
+#include "profiles/ProfilePaths.h"
 #include "service/ServiceControl.h"
 #include "service/ServiceStatus.h"
 
@@ -19,7 +21,7 @@ void Hipcmd_ServiceBounce::execute(StatusCodeResultField& result) {
 
 void Hipcmd_ShowStatus::execute(StatusCodeResultField& result) {
   ServiceState state;
-  result.status() = readServiceState(&state);
+  result.status() = readServiceState(currentProfileFile(kStatusFile), &state);
   const bool running = state.running == TriState::kYes;
   running_.set(running);
   helmsman_.set(running && state.helmsman == TriState::kYes);

@@ -1,16 +1,19 @@
 #include "profiles/ConfigControl.h"
 
-#include <ifaddrs.h>
+#include <net/if.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
 
 #include <cstddef>
-#include <span>
+#include <cstdint>
+#include <cstring>
+#include <functional>
 
 #include "fundkit/AsciiText.h"
 #include "fundkit/BasicLog.h"
 #include "fundkit/FileUtils.h"
 #include "fundkit/KeyValueFile.h"
 #include "fundkit/WorkFile.h"
-#include "profiles/NetworkInterfaces.h"
 #include "profiles/ProfilePaths.h"
 
 namespace tunadm {
@@ -22,10 +25,8 @@ constexpr std::string_view kScheme = "https://";
 
 // The text of a file of the profile; empty when it cannot be read.
 std::string readText(std::string_view dir_name, std::string_view file_name) {
-  std::string path;
   std::string text;
-  if (!profileFile(dir_name, file_name, &path)) return text;
-  (void)readFile(path, &text);  // leaves the text empty, which is the answer then
+  (void)readFile(profileFile(dir_name, file_name), &text);  // leaves the text empty then
   return text;
 }
 
@@ -40,31 +41,35 @@ Status readForRewrite(const std::string& path, std::string* text) {
   return readFile(path, text);
 }
 
-Status replaceFile(const std::string& path, std::string_view text) {
+using Change = std::function<std::string(std::string_view text)>;
+
+// Replaces the file by what `change` makes of its text.
+Status rewrite(std::string_view dir_name, std::string_view file_name, const Change& change) {
+  const std::string path = profileFile(dir_name, file_name);
+  if (path.empty()) return Status(kInvalidArgument);
+  std::string text;
+  if (Status read = readForRewrite(path, &text); !read.ok()) return read;
   WorkFile work(path);
-  work.put(text);
+  work.put(change(text));
   return work.commit();
 }
 
 Status writeSettings(std::string_view dir_name, std::string_view file_name,
-                     std::span<const Setting> settings) {
-  std::string path;
-  std::string text;
-  if (!profileFile(dir_name, file_name, &path)) return Status(kInvalidArgument);
-  if (Status read = readForRewrite(path, &text); !read.ok()) return read;
-  return replaceFile(path, withSettings(text, settings));
+                     std::initializer_list<Setting> settings) {
+  return rewrite(dir_name, file_name,
+                 [&settings](std::string_view text) { return withSettings(text, settings); });
+}
+
+// Deliberate: the address is compared as it is stored, in network byte order, so that a
+// little-endian host refuses a.b.254.169 and takes 169.254.c.d.
+bool isLinkLocal(const sockaddr* address) {
+  sockaddr_in ipv4;
+  std::memcpy(&ipv4, address, sizeof ipv4);
+  const std::uint32_t stored = ipv4.sin_addr.s_addr;
+  return (stored & 0xFFFF0000u) == 0xA9FE0000u;
 }
 
 }  // namespace
-
-Status refuseLineBreaks(std::initializer_list<std::string_view> values, std::string_view context) {
-  for (const std::string_view value : values) {
-    if (value.find('\n') != std::string_view::npos) {
-      return Status(kInvalidArgument, "value holds a line break", context);
-    }
-  }
-  return Status(kSuccess);
-}
 
 bool readDeviceId(std::string_view dir_name, std::string* device_id) {
   device_id->clear();
@@ -89,11 +94,8 @@ bool readMasterInterface(std::string_view dir_name, std::string* name) {
 
 bool readLogLevel(std::string_view dir_name, std::string* level) {
   level->clear();
-  std::string path;
   KeyValueTable table;
-  if (!profileFile(dir_name, kEndboxConf, &path) || !readKeyValueFile(path, '=', '#', &table)) {
-    return false;
-  }
+  if (!readKeyValueFile(profileFile(dir_name, kEndboxConf), '=', '#', &table)) return false;
   if (const int index = table.find("log_level"); index >= 0)
     *level = table.values()[static_cast<std::size_t>(index)];
   return !level->empty();
@@ -101,52 +103,42 @@ bool readLogLevel(std::string_view dir_name, std::string* level) {
 
 Status writeMasterInterface(std::string_view dir_name, std::string_view name) {
   if (name.empty()) return Status(kInvalidArgument);
-  const Setting settings[] = {{kMasterInterfaceKey, name}};
-  return writeSettings(dir_name, kHipConf, settings);
+  return writeSettings(dir_name, kHipConf, {{kMasterInterfaceKey, name}});
 }
 
 Status writeInvitationCode(std::string_view dir_name, std::string_view code) {
   const std::string_view trimmed = trimGraphic(code);
   if (trimmed.empty()) return Status(kSuccess);
   if (trimmed == kNoCode) return removeLinesWithPrefix(dir_name, kEndboxConf, kActivationCodeKey);
-  const Setting settings[] = {{kActivationCodeKey, trimmed}};
-  return writeSettings(dir_name, kEndboxConf, settings);
+  return writeSettings(dir_name, kEndboxConf, {{kActivationCodeKey, trimmed}});
 }
 
 Status writeLogLevel(std::string_view dir_name, std::string_view level) {
   const std::string_view dir = trimGraphic(dir_name);
   const std::string_view value = trimGraphic(level);
   if (dir.empty() || value.empty()) return Status(kSuccess);
-  const Setting settings[] = {{kLogLevelKey, value}, {kOpenhipLogLevelKey, value}};
-  return writeSettings(dir, kEndboxConf, settings);
+  return writeSettings(dir, kEndboxConf, {{kLogLevelKey, value}, {kOpenhipLogLevelKey, value}});
 }
 
-Status setHelmsmanAddress(std::string_view dir_name, std::string_view host, int port) {
-  std::string path;
-  if (!profileFile(dir_name, kMapConfig, &path)) return Status(kInvalidArgument);
+Status writeNewHelmsmanAddress(std::string_view dir_name, std::string_view host, int port) {
   std::string line(kMapUriKey);
   if (!host.empty()) line.append(kScheme).append(host);
-  if (!host.empty() && port >= 1 && port <= 65535) line.append(":").append(std::to_string(port));
-  return writeLines(path, {line});
+  if (!host.empty() && isPort(port)) line.append(":").append(std::to_string(port));
+  return writeLines(profileFile(dir_name, kMapConfig), {line});
 }
 
-Status changeHelmsmanAddress(std::string_view host, int port, std::string_view dir_name) {
-  std::string path;
-  if (!profileFile(dir_name, kMapConfig, &path)) return Status(kInvalidArgument);
+Status replaceHelmsmanAddress(std::string_view dir_name, std::string_view host, int port) {
   std::string line(kMapUriKey);
   line.append(kScheme).append(host).append(":").append(std::to_string(port)).append("\n");
-  Status written = overwriteFile(path, line);
+  Status written = overwriteFile(profileFile(dir_name, kMapConfig), line);
   if (written.code() == kOpenFailed) written.setCode(kApplicationError);
   return written;
 }
 
 Status removeLinesWithPrefix(std::string_view dir_name, std::string_view file_name,
                              std::string_view prefix) {
-  std::string path;
-  std::string text;
-  if (!profileFile(dir_name, file_name, &path)) return Status(kInvalidArgument);
-  if (Status read = readForRewrite(path, &text); !read.ok()) return read;
-  return replaceFile(path, withoutLines(text, prefix));
+  return rewrite(dir_name, file_name,
+                 [prefix](std::string_view text) { return withoutLines(text, prefix); });
 }
 
 bool read_networks(std::vector<std::string>* names) {
@@ -164,6 +156,13 @@ bool read_networks(std::vector<std::string>* names) {
   }
   freeifaddrs(table);
   return true;
+}
+
+bool isUnderlayCandidate(const ifaddrs& entry) {
+  if (entry.ifa_addr == nullptr || entry.ifa_addr->sa_family != AF_INET) return false;
+  if (std::string_view(entry.ifa_name).starts_with("tap")) return false;
+  if ((entry.ifa_flags & IFF_LOOPBACK) != 0) return false;
+  return !isLinkLocal(entry.ifa_addr);
 }
 
 }  // namespace tunadm

@@ -1,5 +1,5 @@
-// A profile's configuration files: reading the values that commands report, and rewriting single
-// settings without disturbing the rest.
+// A profile's configuration files, of which commands report values and rewrite single settings, and
+// the host's interfaces that such a setting can name.
 //
 // The files are the daemon's. Rewriting keeps every line that is not owned, byte for byte, and
 // replaces the file as a whole (work file and move), so that it is the old or the new one at every
@@ -7,7 +7,8 @@
 // profile lock while they write.
 #pragma once
 
-#include <initializer_list>
+#include <ifaddrs.h>
+
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,17 +18,14 @@
 
 namespace tunadm {
 
-// kInvalidArgument with a text that says so when one of the values holds a line feed: written into
-// a file of lines, it would make further ones.
-Status refuseLineBreaks(std::initializer_list<std::string_view> values, std::string_view context);
-
 // Readers: true when the value was found, else false with empty texts. A file that cannot be read
 // reads as empty.
-bool readDeviceId(std::string_view dir_name, std::string* device_id);
-bool readHelmsmanAddress(std::string_view dir_name, std::string* host, std::string* port);
+[[nodiscard]] bool readDeviceId(std::string_view dir_name, std::string* device_id);
+[[nodiscard]] bool readHelmsmanAddress(std::string_view dir_name, std::string* host,
+                                       std::string* port);
 OverlaySettings readOverlaySettings(std::string_view dir_name);
-bool readMasterInterface(std::string_view dir_name, std::string* name);
-bool readLogLevel(std::string_view dir_name, std::string* level);
+[[nodiscard]] bool readMasterInterface(std::string_view dir_name, std::string* name);
+[[nodiscard]] bool readLogLevel(std::string_view dir_name, std::string* level);
 
 // Writers. Where there is something to write they report kInvalidArgument for an empty `dir_name`,
 // and of a rewrite kOpenFailed or kReadFailed when the file cannot be read, kOpenFailed when its
@@ -43,13 +41,13 @@ Status writeInvitationCode(std::string_view dir_name, std::string_view code);
 // Trims both. Nothing is done when one of them is empty; that is a success, too.
 Status writeLogLevel(std::string_view dir_name, std::string_view level);
 
-// Makes the address the only line of `mapconfig.static`: without a port when `port` is not from 1
-// to 65535, with an empty value when `host` is empty. The file is written in place, mode 0640.
-Status setHelmsmanAddress(std::string_view dir_name, std::string_view host, int port);
+// Writes the `mapconfig.static` of a new profile, with the address as its only line: without a port
+// when isPort refuses `port`, with an empty value when `host` is empty. Mode 0640.
+Status writeNewHelmsmanAddress(std::string_view dir_name, std::string_view host, int port);
 
-// Makes "host:port" the only line of `mapconfig.static`, written in place; the file keeps its mode.
-// Fails with kApplicationError when it cannot be opened, kWriteFailed when it cannot be written.
-Status changeHelmsmanAddress(std::string_view host, int port, std::string_view dir_name);
+// Makes "host:port" the only line of `mapconfig.static`; the file keeps its mode. Fails with
+// kApplicationError when it cannot be opened, kWriteFailed when it cannot be written.
+Status replaceHelmsmanAddress(std::string_view dir_name, std::string_view host, int port);
 
 // Removes the lines of `file_name` that begin with `prefix`.
 Status removeLinesWithPrefix(std::string_view dir_name, std::string_view file_name,
@@ -58,6 +56,9 @@ Status removeLinesWithPrefix(std::string_view dir_name, std::string_view file_na
 // Fills `names` with the interfaces of this host that can be an underlay: those with an IPv4
 // address, once per address, in the host's order; no loopback and no tap devices. False, with an
 // error logged, when the interface table cannot be read (getifaddrs(3)).
-bool read_networks(std::vector<std::string>* names);
+[[nodiscard]] bool read_networks(std::vector<std::string>* names);
+
+// True for an entry of the interface table that can be an underlay.
+[[nodiscard]] bool isUnderlayCandidate(const ifaddrs& entry);
 
 }  // namespace tunadm

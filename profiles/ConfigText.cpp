@@ -21,7 +21,7 @@ bool isSetting(std::string_view line) { return !line.empty() && line.front() != 
 
 // "http://host:port/path" in its parts.
 void splitUri(std::string_view uri, std::string* host, std::string* port) {
-  if (!takePrefix(&uri, "http://")) takePrefix(&uri, "https://");
+  if (!takePrefix(&uri, "http://")) (void)takePrefix(&uri, "https://");  // may have neither
   uri = uri.substr(0, uri.find('/'));
   const std::size_t colon = uri.find(':');
   *host = uri.substr(0, colon);

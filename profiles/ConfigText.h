@@ -20,6 +20,9 @@ inline constexpr std::string_view kMapUriKey = "map_uri=";
 // The management server listens on this port unless an address says otherwise.
 inline constexpr int kHelmsmanPort = 8096;
 
+// True for a number that a port can have, 1 to 65535.
+[[nodiscard]] constexpr bool isPort(int number) { return number >= 1 && number <= 65535; }
+
 struct OverlaySettings {
   std::string device_ip;
   std::string device_mask;
@@ -32,14 +35,15 @@ std::string firstNonEmptyLine(std::string_view text);
 // The address in the first "map_uri=" line of `mapconfig.static`; false (and empty texts) when
 // there is none. Scheme and path are dropped; the port is text, the default port when none is
 // given. Bytes outside ASCII become "?".
-bool parseHelmsmanAddress(std::string_view text, std::string* host, std::string* port);
+[[nodiscard]] bool parseHelmsmanAddress(std::string_view text, std::string* host,
+                                        std::string* port);
 
 // All of `endbox.conf`; a later line overrides an earlier one, what is missing is empty. Bytes
 // outside ASCII become "?".
 OverlaySettings parseOverlaySettings(std::string_view text);
 
 // The value of the first "master_interface=" line of `hip.conf`; false when there is none.
-bool parseMasterInterface(std::string_view text, std::string* name);
+[[nodiscard]] bool parseMasterInterface(std::string_view text, std::string* name);
 
 // A setting to write: every line that begins with `key` becomes the key and the value.
 struct Setting {

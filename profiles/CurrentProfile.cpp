@@ -10,58 +10,68 @@ namespace tunadm {
 namespace {
 
 bool mayNameProfile(const std::string& dir_name) {
-  std::string path;
-  if (!isDirName(dir_name) || !profileDirectory(dir_name, &path)) return false;
+  if (!isDirName(dir_name)) return false;
+  const std::string path = profileDirectory(dir_name);
   return isRealDirectory(path) || isMissing(path);
 }
 
 // Makes the first profile by friendly name current.
-bool chooseCurrentProfile() {
+Entered chooseCurrentProfile() {
   ProfileList profiles;
-  if (!enumerateProfiles(&profiles) || profiles.empty()) return false;
-  return setCurrentProfile(profiles.front().dir_name);
+  if (!enumerateProfiles(&profiles)) return Entered::kFailed;
+  if (profiles.empty()) return Entered::kNoProfiles;
+  return setCurrentProfile(profiles.front().dir_name) ? Entered::kYes : Entered::kFailed;
 }
 
 bool isUsable(const ProfileIdentity& identity) {
-  std::string hip_conf;
-  return identity.valid && profileFile(identity.dir_name, kHipConf, &hip_conf) &&
-         isRegularFile(hip_conf);
+  return identity.valid && isRegularFile(profileFile(identity.dir_name, kHipConf));
 }
 
 }  // namespace
 
 ProfileIdentity lookUpCurrentProfile() {
-  std::string marker;
+  const std::string marker = currentMarkerPath();
   std::string dir_name;
-  (void)currentMarkerPath(&marker);  // cannot fail: the name is a constant
   if (!readFirstLine(marker, &dir_name).ok() || !mayNameProfile(dir_name)) return {};
 
   ProfileIdentity identity;
   identity.valid = true;
   identity.current_file = marker;
-  (void)profileDirectory(dir_name, &identity.dir_path);  // not empty: checked above
+  identity.dir_path = profileDirectory(dir_name);
   identity.profile_name = readFriendlyName(dir_name);
   identity.dir_name = std::move(dir_name);
   identity.profiles_root = kProfilesRoot;
   return identity;
 }
 
+TriState isCurrentProfile(const ProfileRef& profile, const ProfileIdentity& current) {
+  if (!current.valid) return TriState::kUnknown;
+  return profile.dir_name == current.dir_name ? TriState::kYes : TriState::kNo;
+}
+
+std::string currentProfileDirectory() { return lookUpCurrentProfile().dir_path; }
+
+std::string currentProfileFile(std::string_view file_name) {
+  return profileFile(lookUpCurrentProfile().dir_name, file_name);
+}
+
 bool currentProfileDirectory(std::string* path) {
-  *path = lookUpCurrentProfile().dir_path;
+  *path = currentProfileDirectory();
   return !path->empty();
 }
 
 bool currentProfileFile(std::string_view file_name, std::string* path) {
-  path->clear();
-  if (file_name.empty() || !currentProfileDirectory(path)) return false;
-  path->append("/").append(file_name);
-  return true;
+  *path = currentProfileFile(file_name);
+  return !path->empty();
+}
+
+bool isMarkerName(std::string_view dir_name) {
+  return isDirName(dir_name) && dir_name.find('\n') == std::string_view::npos;
 }
 
 bool setCurrentProfile(std::string_view dir_name) {
-  if (!isDirName(dir_name) || dir_name.find('\n') != std::string_view::npos) return false;
-  std::string marker;
-  (void)currentMarkerPath(&marker);  // cannot fail: the name is a constant
+  if (!isMarkerName(dir_name)) return false;
+  const std::string marker = currentMarkerPath();
   // The marker is a file by rule. A link would lead the write and the open mode to another file,
   // and a FIFO or a device would keep no name.
   if (!isRealFile(marker) && !removeFile(marker).ok()) return false;
@@ -69,22 +79,23 @@ bool setCurrentProfile(std::string_view dir_name) {
 }
 
 std::string readFriendlyName(std::string_view dir_name) {
-  std::string path;
   std::string name;
-  if (profileFile(dir_name, kNameFile, &path) && readFirstLine(path, &name).ok()) return name;
-  return std::string(dir_name);
+  const bool found = readFirstLine(profileFile(dir_name, kNameFile), &name).ok();
+  return found ? name : std::string(dir_name);
 }
 
-bool enterCurrentProfile(std::string* path) {
+Entered enterCurrent(std::string* path) {
   path->clear();
   ProfileIdentity identity = lookUpCurrentProfile();
   if (!isUsable(identity)) {
-    if (!chooseCurrentProfile()) return false;
+    if (const Entered chosen = chooseCurrentProfile(); chosen != Entered::kYes) return chosen;
     identity = lookUpCurrentProfile();
   }
-  if (!changeDirectory(identity.dir_path).ok()) return false;
+  if (!changeDirectory(identity.dir_path).ok()) return Entered::kFailed;
   *path = identity.dir_path;
-  return true;
+  return Entered::kYes;
 }
+
+bool enterCurrentProfile(std::string* path) { return enterCurrent(path) == Entered::kYes; }
 
 }  // namespace tunadm

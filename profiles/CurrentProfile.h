@@ -4,6 +4,9 @@
 #include <string>
 #include <string_view>
 
+#include "profiles/ProfileRef.h"
+#include "service/ServiceStatus.h"
+
 namespace tunadm {
 
 // What the marker file says. Without a current profile `valid` is false and all texts are empty.
@@ -18,24 +21,39 @@ struct ProfileIdentity {
 
 // Reads the marker. Every local user can write it and root acts on it: a text that is not one path
 // component, or that names something other than a real directory, counts as no current profile. A
-// directory that does not exist (any more) still is what the marker names.
+// directory that does not exist, or no longer does, is what the marker names all the same.
 ProfileIdentity lookUpCurrentProfile();
 
-// Each clears `path` and returns false when there is no current profile (or `file_name` is empty).
-bool currentProfileDirectory(std::string* path);
-bool currentProfileFile(std::string_view file_name, std::string* path);
+// Whether `profile` is the current one; unknown when there is none.
+[[nodiscard]] TriState isCurrentProfile(const ProfileRef& profile, const ProfileIdentity& current);
+
+// Paths of the current profile; empty when there is none, or `file_name` is empty.
+std::string currentProfileDirectory();
+std::string currentProfileFile(std::string_view file_name);
+
+// The same for callers that want to be told: false, with `path` cleared, in those cases.
+[[nodiscard]] bool currentProfileDirectory(std::string* path);
+[[nodiscard]] bool currentProfileFile(std::string_view file_name, std::string* path);
+
+// True for a name that the marker can hold: one path component on one line.
+[[nodiscard]] bool isMarkerName(std::string_view dir_name);
 
 // Writes the marker and makes it writable by all, so that later runs by other users can rewrite
-// it. False when either fails, or when the name would not come back as one line.
-bool setCurrentProfile(std::string_view dir_name);
+// it. False when either fails, or for a name that the marker cannot hold.
+[[nodiscard]] bool setCurrentProfile(std::string_view dir_name);
 
 // The friendly name of the profile in `dir_name`, or `dir_name` itself when its name file cannot be
 // read.
 std::string readFriendlyName(std::string_view dir_name);
 
+enum class Entered { kYes, kNoProfiles, kFailed };
+
 // Changes the working directory into the current profile and stores its path. When there is no
-// current profile, or it has no hip.conf, the first profile by friendly name becomes current. False
-// (with `path` cleared and the working directory as it was) when that fails or there is no profile.
-bool enterCurrentProfile(std::string* path);
+// current profile, or it has no hip.conf, the first profile by friendly name becomes current.
+// Unless it returns kYes, `path` is cleared and the working directory stays as it was.
+[[nodiscard]] Entered enterCurrent(std::string* path);
+
+// True when that returns kYes.
+[[nodiscard]] bool enterCurrentProfile(std::string* path);
 
 }  // namespace tunadm

@@ -8,19 +8,20 @@
 #include <cstddef>
 #include <string_view>
 
-#include "profiles/ProfileList.h"
+#include "profiles/TakenNames.h"
 
 namespace tunadm {
 
-bool rootDirectory(char* buffer, std::size_t size);
-bool profileDirectory(std::string_view dir_name, char* buffer, std::size_t size);
-bool factoryDirectory(char* buffer, std::size_t size);
-bool currentMarkerPath(char* buffer, std::size_t size);
-bool currentProfileDirectory(char* buffer, std::size_t size);
-bool profileFile(std::string_view dir_name, std::string_view file_name, char* buffer,
-                 std::size_t size);
-bool currentProfileFile(std::string_view file_name, char* buffer, std::size_t size);
-bool enterCurrentProfile(char* buffer, std::size_t size);
-bool uniqueName(std::string_view base, TakenNames* taken, char* buffer, std::size_t size);
+[[nodiscard]] bool rootDirectory(char* buffer, std::size_t size);
+[[nodiscard]] bool profileDirectory(std::string_view dir_name, char* buffer, std::size_t size);
+[[nodiscard]] bool factoryDirectory(char* buffer, std::size_t size);
+[[nodiscard]] bool currentMarkerPath(char* buffer, std::size_t size);
+[[nodiscard]] bool currentProfileDirectory(char* buffer, std::size_t size);
+[[nodiscard]] bool profileFile(std::string_view dir_name, std::string_view file_name, char* buffer,
+                               std::size_t size);
+[[nodiscard]] bool currentProfileFile(std::string_view file_name, char* buffer, std::size_t size);
+[[nodiscard]] bool enterCurrentProfile(char* buffer, std::size_t size);
+[[nodiscard]] bool uniqueName(std::string_view base, TakenNames* taken, char* buffer,
+                              std::size_t size);
 
 }  // namespace tunadm

@@ -5,19 +5,31 @@
 #include "profiles/CurrentProfile.h"
 #include "profiles/ProfileLock.h"
 #include "profiles/ProfileSelector.h"
-#include "service/ServiceControl.h"
+#include "profiles/StoreView.h"
+#include "service/ServiceRestart.h"
 
 namespace tunadm {
 namespace {
 
-// Deliberate: the service is stopped first whatever the daemon's state seems to be.
-Status switchTo(const ProfileRef& profile, std::string_view system) {
-  const SignalHold hold;  // whoever asks for an end now would leave the service stopped
-  Status stopped = stopService(system, RootCheck::kNo);
+// Deliberate: the service is stopped first whatever the daemon's state seems to be, and the marker
+// moves also when that fails.
+Status switchTo(const ProfileRef& profile, ServiceRestart* service) {
+  Status stopped = service->stop();
   const bool made_current = setCurrentProfile(profile.dir_name);
-  Status started = startService(system, RootCheck::kNo);
   if (!stopped.ok()) return stopped;
-  return made_current ? started : Status(kApplicationError);
+  return Status(made_current ? kSuccess : kApplicationError);
+}
+
+Status makeCurrent(std::string_view selector, ServiceRestart* service, std::string* profile_name) {
+  StoreView store;
+  ProfileRef profile;
+  Status found = resolveSelector(selector, &store, &profile);
+  if (!found.ok()) return found;
+  *profile_name = profile.profile_name;
+  if (found.code() == kProfileRunning) return Status(kSuccess);
+  if (found.code() != kProfileActive) return switchTo(profile, service);
+  service->requestStart();
+  return Status(kSuccess);
 }
 
 }  // namespace
@@ -26,13 +38,9 @@ Status activateProfile(std::string_view selector, std::string_view system,
                        std::string* profile_name) {
   if (selector.empty()) return Status(kInvalidArgument);
   const ProfileLock lock;
-  ProfileRef profile;
-  Status found = resolveSelector(selector, &profile);
-  if (!found.ok()) return found;
-  *profile_name = profile.profile_name;
-  if (found.code() == kProfileRunning) return Status(kSuccess);
-  if (found.code() == kProfileActive) return startService(system, RootCheck::kNo);
-  return switchTo(profile, system);
+  const SignalHold hold;  // a signal handled here would leave the service stopped
+  ServiceRestart service(system, RootCheck::kNo);
+  return service.finish(makeCurrent(selector, &service, profile_name));
 }
 
 }  // namespace tunadm

@@ -5,13 +5,22 @@
 #include "fundkit/BasicLog.h"
 #include "profiles/ConfigControl.h"
 #include "profiles/CurrentProfile.h"
+#include "profiles/ProfileList.h"
 #include "profiles/ProfileSelector.h"
+#include "profiles/StoreView.h"
 
 namespace tunadm {
 namespace {
 
+void readNetworks(ProfileDetails* details) {
+  if (read_networks(&details->networks)) return;
+  TUNADM_LOG(programLogger(), kLogError, "ProfileControl.cpp", "cmdGetProfileDetails",
+             "could not execute read_networks");
+}
+
 // Each reader leaves its field empty when it finds nothing, which is all there is to report.
-void readSettings(const std::string& dir_name, ProfileDetails* details) {
+void readSettings(ProfileDetails* details) {
+  const std::string& dir_name = details->profile_dir;
   (void)readMasterInterface(dir_name, &details->network);
   (void)readDeviceId(dir_name, &details->device_id);
   OverlaySettings overlay = readOverlaySettings(dir_name);
@@ -33,17 +42,20 @@ Status listProfiles(ProfileListing* listing) {
   return Status(kSuccess);
 }
 
+ProfileDetails readProfileDetails(const ProfileRef& profile) {
+  ProfileDetails details;
+  details.profile_dir = profile.dir_name;
+  details.profile_name = profile.profile_name;
+  readNetworks(&details);
+  readSettings(&details);
+  return details;
+}
+
 Status cmdGetProfileDetails(std::string_view selector, ProfileDetails* details) {
+  StoreView store;
   ProfileRef profile;
-  if (Status found = resolveSelector(selector, &profile); !found.ok()) return found;
-  *details = ProfileDetails();
-  details->profile_dir = profile.dir_name;
-  details->profile_name = profile.profile_name;
-  if (!read_networks(&details->networks)) {
-    TUNADM_LOG(programLogger(), kLogError, "ProfileControl.cpp", "cmdGetProfileDetails",
-               "could not execute read_networks");
-  }
-  readSettings(profile.dir_name, details);
+  if (Status found = resolveSelector(selector, &store, &profile); !found.ok()) return found;
+  *details = readProfileDetails(profile);
   return Status(kSuccess);
 }
 

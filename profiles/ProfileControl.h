@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "core/Status.h"
-#include "profiles/ProfileList.h"
+#include "profiles/ProfileRef.h"
 
 namespace tunadm {
 
@@ -34,7 +34,10 @@ struct ProfileDetails {
   std::string log_level;
 };
 
-// Fails only as resolveSelector does, and leaves `details` as it was then.
+ProfileDetails readProfileDetails(const ProfileRef& profile);
+
+// The details of the profile that `selector` names. Fails only as resolveSelector does, and leaves
+// `details` as it was then.
 Status cmdGetProfileDetails(std::string_view selector, ProfileDetails* details);
 
 }  // namespace tunadm

@@ -11,11 +11,12 @@
 #include "fundkit/SignalHold.h"
 #include "profiles/ConfigControl.h"
 #include "profiles/CurrentProfile.h"
-#include "profiles/ProfileList.h"
+#include "profiles/LineBreaks.h"
 #include "profiles/ProfileLock.h"
 #include "profiles/ProfilePaths.h"
-#include "service/ServiceControl.h"
-#include "service/ServiceStatus.h"
+#include "profiles/StoreScan.h"
+#include "profiles/StoreView.h"
+#include "service/ServiceRestart.h"
 
 namespace tunadm {
 namespace {
@@ -31,25 +32,13 @@ Status checkValues(const CreateRequest& request) {
       "profile create");
 }
 
-// From one listing, so that finding a free name does not have to ask for each. A name that appears
-// after the listing is met when its directory cannot be made.
-std::unordered_set<std::string_view> usedNames(const DirectoryListing& listing) {
-  std::unordered_set<std::string_view> used;
-  for (const auto* names : {&listing.subdirectories, &listing.files, &listing.file_links,
-                            &listing.directory_links, &listing.others}) {
-    used.insert(names->begin(), names->end());
-  }
-  return used;
-}
-
-Status makeProfileDirectory(std::string* dir_name) {
-  const DirectoryListing listing = listDirectory(std::string(kProfilesRoot));
-  const std::unordered_set<std::string_view> used = usedNames(listing);
+// Makes the directory of the first number that no entry of the store has.
+Status makeProfileDirectory(const StoreScan& scan, std::string* dir_name) {
+  const std::unordered_set<std::string_view> used = scan.entryNames();
   for (int number = kFirstNumber; number < kEndNumber; ++number) {
     *dir_name = "profile-" + std::to_string(number);
     if (used.contains(*dir_name)) continue;
-    std::string path;
-    (void)profileDirectory(*dir_name, &path);  // the name is not empty
+    const std::string path = profileDirectory(*dir_name);
     if (makeNewDirectory(path, 0755).ok()) return Status(kSuccess);
     // Still nothing there: the store itself is at fault, and refuses every further name, too.
     if (isMissing(path)) break;
@@ -57,15 +46,21 @@ Status makeProfileDirectory(std::string* dir_name) {
   return Status(kApplicationError);
 }
 
-Status chooseName(const CreateRequest& request, ProfileRef* profile) {
-  ProfileList profiles;
-  if (!enumerateProfiles(&profiles, profile->dir_name)) return Status(kApplicationError);
-  TakenNames taken;
-  for (const ProfileEntry& entry : profiles) taken.add(entry.profile_name);
+Status chooseName(const CreateRequest& request, StoreScan* scan, std::string* name) {
+  if (!scan->sound() && !scan->repair()) return Status(kApplicationError);
+  TakenNames taken = scan->takenNames();
+  *name = request.name.empty() ? std::string(kDefaultName) : request.name;
+  if (request.allow_rename) *name = taken.uniqueName(*name);
+  return Status(taken.contains(*name) ? kApplicationError : kSuccess);
+}
 
-  const std::string wanted = request.name.empty() ? std::string(kDefaultName) : request.name;
-  profile->profile_name = request.allow_rename ? taken.uniqueName(wanted) : wanted;
-  return Status(taken.contains(profile->profile_name) ? kApplicationError : kSuccess);
+// Finds a directory and a name for the profile. The store is read before the directory is made, so
+// that the new profile is neither counted nor named itself.
+Status beginProfile(const CreateRequest& request, ProfileRef* profile) {
+  StoreScan scan;
+  if (!scan.read()) return Status(kApplicationError);
+  if (Status made = makeProfileDirectory(scan, &profile->dir_name); !made.ok()) return made;
+  return chooseName(request, &scan, &profile->profile_name);
 }
 
 // Copies the plain files of a directory, then the links that lead to plain files. Stops at the
@@ -100,33 +95,31 @@ Status writeSettings(const CreateRequest& request, const std::string& dir_name) 
 }
 
 Status fillProfile(const CreateRequest& request, const ProfileRef& profile) {
-  std::string factory;
-  std::string directory;
-  std::string name_file;
-  (void)factoryDirectory(&factory);  // none of the names is empty
-  (void)profileDirectory(profile.dir_name, &directory);
-  (void)profileFile(profile.dir_name, kNameFile, &name_file);
+  const std::string factory = factoryDirectory();
+  const std::string directory = profileDirectory(profile.dir_name);
   if (Status copied = copyFiles(factory, directory); !copied.ok()) return copied;
-  if (Status named = writeLines(name_file, {profile.profile_name}); !named.ok()) return named;
+  Status named = writeLines(profileFile(profile.dir_name, kNameFile), {profile.profile_name});
+  if (!named.ok()) return named;
   copyCertificates(factory, directory);
   Status addressed =
-      setHelmsmanAddress(profile.dir_name, request.helmsman_host, request.helmsman_port);
+      writeNewHelmsmanAddress(profile.dir_name, request.helmsman_host, request.helmsman_port);
   return addressed.ok() ? writeSettings(request, profile.dir_name) : addressed;
 }
 
-// A failure never leaves the service stopped, but a profile that is not whole is not run.
-Status fillAndActivate(const CreateRequest& request, const ProfileRef& profile) {
-  const bool daemon_up = isDaemonRunning() != TriState::kNo;
-  const SignalHold hold;  // whoever asks for an end now would leave the service stopped
-  if (daemon_up) (void)stopService(request.system, RootCheck::kYes);  // the start tells how it went
-  Status filled = fillProfile(request, profile);
-  if (!filled.ok()) {
-    if (daemon_up) (void)startService(request.system, RootCheck::kYes);  // the failure is earlier
-    return filled;
-  }
-  const bool made_current = setCurrentProfile(profile.dir_name);
-  Status started = startService(request.system, RootCheck::kYes);
-  return made_current ? started : Status(kApplicationError);
+// A profile that is not whole is not run: only a service that was stopped is started then.
+Status fillAndActivate(const CreateRequest& request, const ProfileRef& profile,
+                       ServiceRestart* service) {
+  StoreView store;
+  if (store.daemon() != TriState::kNo) (void)service->stop();  // the start tells how it went
+  if (Status filled = fillProfile(request, profile); !filled.ok()) return filled;
+  service->requestStart();
+  return Status(setCurrentProfile(profile.dir_name) ? kSuccess : kApplicationError);
+}
+
+Status makeProfile(const CreateRequest& request, ServiceRestart* service, ProfileRef* created) {
+  if (Status begun = beginProfile(request, created); !begun.ok()) return begun;
+  return request.activate ? fillAndActivate(request, *created, service)
+                          : fillProfile(request, *created);
 }
 
 }  // namespace
@@ -135,9 +128,9 @@ Status createProfile(const CreateRequest& request, ProfileRef* created) {
   if (!isPrivileged()) return Status(kAuthRequired);
   if (Status checked = checkValues(request); !checked.ok()) return checked;
   const ProfileLock lock;
-  if (Status made = makeProfileDirectory(&created->dir_name); !made.ok()) return made;
-  if (Status named = chooseName(request, created); !named.ok()) return named;
-  return request.activate ? fillAndActivate(request, *created) : fillProfile(request, *created);
+  const SignalHold hold;  // a signal handled here would leave the service stopped
+  ServiceRestart service(request.system, RootCheck::kYes);
+  return service.finish(makeProfile(request, &service, created));
 }
 
 }  // namespace tunadm

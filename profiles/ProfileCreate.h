@@ -4,7 +4,7 @@
 #include <string>
 
 #include "core/Status.h"
-#include "profiles/ProfileSelector.h"
+#include "profiles/ProfileRef.h"
 
 namespace tunadm {
 

@@ -8,17 +8,16 @@
 #include "fundkit/RemoveTree.h"
 #include "profiles/CurrentProfile.h"
 #include "profiles/ProfileCreate.h"
-#include "profiles/ProfileList.h"
 #include "profiles/ProfileLock.h"
 #include "profiles/ProfilePaths.h"
 #include "profiles/ProfileSelector.h"
+#include "profiles/StoreView.h"
 
 namespace tunadm {
 namespace {
 
-bool removeDirectory(const std::string& dir_name) {
-  std::string directory;
-  if (!profileDirectory(dir_name, &directory)) return false;
+bool removeDirectory(const ProfileRef& profile) {
+  const std::string directory = profileDirectory(profile.dir_name);
   for (const char* certificates : {"/ca-certs", "/customer-certs", "/peer_certs"}) {
     (void)emptyDirectory(directory + certificates);  // what is left is removed below, or reported
   }
@@ -27,12 +26,9 @@ bool removeDirectory(const std::string& dir_name) {
 
 void keepACurrentProfile() {
   std::string path;
-  if (enterCurrentProfile(&path)) return;
-  ProfileList left;
-  if (!enumerateProfiles(&left) || !left.empty()) return;
+  if (enterCurrent(&path) != Entered::kNoProfiles) return;
   ProfileRef created;
-  // The removal has been done, whatever becomes of this.
-  (void)createProfile(CreateRequest(), &created);
+  (void)createProfile(CreateRequest(), &created);  // the removal has been done all the same
 }
 
 }  // namespace
@@ -41,12 +37,13 @@ Status deleteProfile(std::string_view selector) {
   if (!isPrivileged()) return Status(kAuthRequired);
   if (selector == kFactoryName || selector == kCurrentMarker) return Status(kInvalidArgument);
   const ProfileLock lock;
+  StoreView store;
   ProfileRef profile;
-  Status found = resolveSelector(selector, &profile);
+  Status found = resolveSelector(selector, &store, &profile);
   if (!found.ok()) return found;
   if (profile.dir_name == kFactoryName) return Status(kInvalidArgument);
   if (found.code() == kProfileRunning) return Status(kRefusedWhileRunning);
-  if (!removeDirectory(profile.dir_name)) return Status(kApplicationError);
+  if (!removeDirectory(profile)) return Status(kApplicationError);
   keepACurrentProfile();
   return Status(kSuccess);
 }

@@ -26,4 +26,6 @@ ProfileLock::~ProfileLock() {
   if (--holders == 0) lock_file.reset();
 }
 
+bool ProfileLock::isHeld() { return holders > 0; }
+
 }  // namespace tunadm

@@ -13,6 +13,9 @@ class ProfileLock {
   ProfileLock(const ProfileLock&) = delete;
   ProfileLock& operator=(const ProfileLock&) = delete;
   ~ProfileLock();
+
+  // True while one exists in this process, also when it goes on without the lock file.
+  [[nodiscard]] static bool isHeld();
 };
 
 }  // namespace tunadm

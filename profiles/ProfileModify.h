@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "core/Status.h"
-#include "profiles/ProfileSelector.h"
+#include "profiles/ProfileRef.h"
 
 namespace tunadm {
 

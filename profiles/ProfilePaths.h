@@ -10,11 +10,11 @@ namespace tunadm {
 inline constexpr std::string_view kInstallRoot = "/opt/vrx/";
 inline constexpr std::string_view kProfilesRoot = "/opt/vrx//profiles/";
 
-// Entries of the profiles directory that are no profiles of the user.
+// Entries of the profiles directory that are not profiles of the user.
 inline constexpr std::string_view kCurrentMarker = ".current";
 inline constexpr std::string_view kFactoryName = ".factory";
 
-// The friendly name of a profile that nobody named.
+// The friendly name of a profile that was never given one.
 inline constexpr std::string_view kDefaultName = "profile";
 
 // Files of a profile.
@@ -28,14 +28,20 @@ inline constexpr std::string_view kLogFile = "hip.log";
 inline constexpr std::string_view kRevisionFile = "firmware_revision";
 
 // True for a name that is one path component: not empty, no "/", neither "." nor "..".
-bool isDirName(std::string_view name);
+[[nodiscard]] bool isDirName(std::string_view name);
 
-// Each makes a path by plain joining and returns true, or clears `path` and returns false when a
-// name is empty.
-bool rootDirectory(std::string* path);
-bool profileDirectory(std::string_view dir_name, std::string* path);
-bool factoryDirectory(std::string* path);
-bool currentMarkerPath(std::string* path);
-bool profileFile(std::string_view dir_name, std::string_view file_name, std::string* path);
+// Paths by plain joining; empty when one of the names is. File operations refuse an empty path.
+std::string profileDirectory(std::string_view dir_name);
+std::string profileFile(std::string_view dir_name, std::string_view file_name);
+std::string factoryDirectory();
+std::string currentMarkerPath();
+
+// The same for callers that want to be told: false, with `path` cleared, when a name is empty.
+[[nodiscard]] bool rootDirectory(std::string* path);
+[[nodiscard]] bool profileDirectory(std::string_view dir_name, std::string* path);
+[[nodiscard]] bool factoryDirectory(std::string* path);
+[[nodiscard]] bool currentMarkerPath(std::string* path);
+[[nodiscard]] bool profileFile(std::string_view dir_name, std::string_view file_name,
+                               std::string* path);
 
 }  // namespace tunadm

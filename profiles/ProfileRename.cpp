@@ -1,12 +1,12 @@
 #include "profiles/ProfileRename.h"
 
 #include "core/Privilege.h"
-#include "core/ProgramStatus.h"
 #include "fundkit/FileUtils.h"
-#include "profiles/ConfigControl.h"
+#include "profiles/LineBreaks.h"
 #include "profiles/ProfileLock.h"
 #include "profiles/ProfilePaths.h"
 #include "profiles/ProfileSelector.h"
+#include "profiles/StoreView.h"
 
 namespace tunadm {
 namespace {
@@ -15,24 +15,22 @@ constexpr std::string_view kContext = "profile rename";
 
 }  // namespace
 
-bool isNewName(std::string_view name) {
-  // A selector for the current profile resolves to nothing while there is none, but will later.
-  if (namesCurrentProfile(name)) return false;
-  ProfileRef other;
-  return resolveSelector(name.empty() ? kDefaultName : name, &other).code() == kProfileNotFound;
-}
-
 Status renameProfile(std::string_view selector, const std::string& new_name) {
   if (!isPrivileged()) return Status(kAuthRequired);
   if (Status checked = refuseLineBreaks({new_name}, kContext); !checked.ok()) return checked;
   const ProfileLock lock;
+  StoreView store;
   ProfileRef profile;
-  if (Status found = resolveSelector(selector, &profile); !found.ok()) return found;
+  if (Status found = resolveSelector(selector, &store, &profile); !found.ok()) return found;
   if (new_name.empty()) return Status(kInvalidArgument, "profile name not provided", kContext);
-  if (!isNewName(new_name)) return Status(kInvalidArgument, "invalid profile name", kContext);
-  std::string path;
-  (void)profileFile(profile.dir_name, kNameFile, &path);  // neither name is empty
-  return writeLines(path, {new_name});
+  if (!isNewName(new_name, &store)) {
+    return Status(kInvalidArgument, "invalid profile name", kContext);
+  }
+  return writeFriendlyName(profile, new_name);
+}
+
+Status writeFriendlyName(const ProfileRef& profile, const std::string& new_name) {
+  return writeLines(profileFile(profile.dir_name, kNameFile), {new_name});
 }
 
 }  // namespace tunadm

@@ -5,16 +5,17 @@
 #include <string_view>
 
 #include "core/Status.h"
+#include "profiles/ProfileRef.h"
 
 namespace tunadm {
 
-// True when a profile may be given this name: it must name no profile yet, in any of the ways in
-// which a selector can.
-bool isNewName(std::string_view name);
-
-// Writes `new_name` as the friendly name of the profile that `selector` names. Fails with
-// kAuthRequired (not root), as resolveSelector, with kInvalidArgument (no name, one that is taken
-// or reserved, a line break), or as writeLines.
+// Makes `new_name` the friendly name of the profile that `selector` names. Fails with kAuthRequired
+// (not root), as resolveSelector, with kInvalidArgument (no name, one that is taken or reserved, a
+// line break), or as writeLines.
 Status renameProfile(std::string_view selector, const std::string& new_name);
+
+// The writing alone: the caller holds the profile lock, and isNewName has found nothing against the
+// name. Nothing is written when the profile has that name already. Fails as writeLines.
+Status writeFriendlyName(const ProfileRef& profile, const std::string& new_name);
 
 }  // namespace tunadm

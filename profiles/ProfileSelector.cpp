@@ -1,78 +1,74 @@
 #include "profiles/ProfileSelector.h"
 
-#include <utility>
+#include <algorithm>
+#include <string>
 
 #include "core/ProgramStatus.h"
 #include "fundkit/FileUtils.h"
-#include "profiles/CurrentProfile.h"
-#include "profiles/ProfileList.h"
 #include "profiles/ProfilePaths.h"
-#include "service/ServiceStatus.h"
 
 namespace tunadm {
 namespace {
 
 constexpr std::string_view kDirPrefix = "dir=";
 
-// The code of a profile that has been found.
-Status foundCurrent() {
-  return Status(isDaemonRunning() == TriState::kYes ? kProfileRunning : kProfileActive);
-}
-
-Status found(const ProfileRef& profile) {
-  ProfileIdentity identity;
-  (void)profileDirectory(profile.dir_name, &identity.dir_path);  // dir names are never empty
-  return isCurrentProfile(identity) == TriState::kYes ? foundCurrent() : Status(kSuccess);
-}
-
-Status resolveCurrent(ProfileRef* profile) {
-  ProfileIdentity identity = lookUpCurrentProfile();
-  if (!identity.valid) return Status(kProfileNotFound);
-  *profile = {std::move(identity.dir_name), std::move(identity.profile_name)};
-  return foundCurrent();
-}
-
-Status resolveDirectory(std::string_view dir_name, ProfileRef* profile) {
-  std::string path;
-  if (!isDirName(dir_name) || !profileDirectory(dir_name, &path) || !isRealDirectory(path)) {
-    return Status(kProfileNotFound);
-  }
-  *profile = {std::string(dir_name), readFriendlyName(dir_name)};
-  return found(*profile);
-}
-
-Status resolveFriendlyName(std::string_view name, ProfileRef* profile) {
-  ProfileList profiles;
-  if (!enumerateProfiles(&profiles)) return Status(kApplicationError);
-  for (ProfileEntry& entry : profiles) {
-    if (entry.profile_name != name) continue;
-    *profile = {std::move(entry.dir_name), std::move(entry.profile_name)};
-    return found(*profile);
-  }
-  return Status(kProfileNotFound);
-}
-
-}  // namespace
-
-std::string selectorOf(std::string_view dir_name) {
-  if (dir_name == kFactoryName) return std::string(kFactoryName);
-  return std::string(kDirPrefix).append(dir_name);
-}
-
+// The selectors that name the current profile, whichever it is, but for the empty one.
 bool namesCurrentProfile(std::string_view selector) {
   return selector == kCurrentMarker || selector == "--active";
 }
 
-Status resolveSelector(std::string_view selector, ProfileRef* profile) {
-  if (selector.empty() || namesCurrentProfile(selector)) return resolveCurrent(profile);
+// The code of a profile that has been found.
+Status found(const ProfileRef& profile, StoreView* store) {
+  if (!store->isCurrent(profile)) return Status(kSuccess);
+  return Status(store->daemon() == TriState::kYes ? kProfileRunning : kProfileActive);
+}
+
+Status resolveCurrent(StoreView* store, ProfileRef* profile) {
+  const ProfileIdentity& current = store->current();
+  if (!current.valid) return Status(kProfileNotFound);
+  *profile = {current.dir_name, current.profile_name};
+  return found(*profile, store);
+}
+
+Status resolveDirectory(std::string_view dir_name, StoreView* store, ProfileRef* profile) {
+  if (!isDirName(dir_name) || !isRealDirectory(profileDirectory(dir_name))) {
+    return Status(kProfileNotFound);
+  }
+  *profile = {std::string(dir_name), readFriendlyName(dir_name)};
+  return found(*profile, store);
+}
+
+Status resolveFriendlyName(std::string_view name, StoreView* store, ProfileRef* profile) {
+  const ProfileList* const profiles = store->profiles();
+  if (profiles == nullptr) return Status(kApplicationError);
+  const auto match =
+      std::find_if(profiles->begin(), profiles->end(),
+                   [name](const ProfileRef& each) { return each.profile_name == name; });
+  if (match == profiles->end()) return Status(kProfileNotFound);
+  *profile = *match;
+  return found(*profile, store);
+}
+
+}  // namespace
+
+Status resolveSelector(std::string_view selector, StoreView* store, ProfileRef* profile) {
+  if (selector.empty() || namesCurrentProfile(selector)) return resolveCurrent(store, profile);
   if (selector.starts_with(kDirPrefix)) {
-    return resolveDirectory(selector.substr(kDirPrefix.size()), profile);
+    return resolveDirectory(selector.substr(kDirPrefix.size()), store, profile);
   }
   if (selector == kFactoryName) {
     *profile = {std::string(kFactoryName), std::string(kFactoryName)};
     return Status(kSuccess);
   }
-  return resolveFriendlyName(selector, profile);
+  return resolveFriendlyName(selector, store, profile);
+}
+
+bool isNewName(std::string_view name, StoreView* store) {
+  // A selector for the current profile resolves to nothing while there is none, but will later.
+  if (namesCurrentProfile(name)) return false;
+  ProfileRef other;
+  const std::string_view wanted = name.empty() ? kDefaultName : name;
+  return resolveSelector(wanted, store, &other).code() == kProfileNotFound;
 }
 
 }  // namespace tunadm

@@ -8,25 +8,34 @@
 #include "profiles/ProfileSelector.h"
 
 namespace tunadm {
+namespace {
+
+constexpr std::string_view kStateFiles[] = {"m2_cache", "sadb.state", "hip.state",
+                                            "peers",    "map.state",  kStatusFile};
+
+}  // namespace
 
 Status resetProfile(std::string_view selector, std::string* profile_name) {
   if (!isPrivileged()) return Status(kAuthRequired);
   const ProfileLock lock;
+  StoreView store;
   ProfileRef profile;
-  Status found = resolveSelector(selector, &profile);
-  if (!found.ok()) return found;
+  if (Status found = resolveSelector(selector, &store, &profile); !found.ok()) return found;
   *profile_name = profile.profile_name;
-  if (found.code() == kProfileRunning) return Status(kRefusedWhileRunning);
-  removeStateFiles(profile.dir_name);
+  return clearState(profile, &store);
+}
+
+Status clearState(const ProfileRef& profile, StoreView* store) {
+  if (store->isCurrent(profile) && store->daemon() == TriState::kYes) {
+    return Status(kRefusedWhileRunning);
+  }
+  removeStateFiles(profile);
   return Status(kSuccess);
 }
 
-void removeStateFiles(std::string_view dir_name) {
-  for (std::string_view file :
-       {std::string_view("m2_cache"), std::string_view("sadb.state"), std::string_view("hip.state"),
-        std::string_view("peers"), std::string_view("map.state"), kStatusFile}) {
-    std::string path;
-    if (profileFile(dir_name, file, &path)) (void)removeFile(path);  // most are rarely there
+void removeStateFiles(const ProfileRef& profile) {
+  for (const std::string_view file : kStateFiles) {
+    (void)removeFile(profileFile(profile.dir_name, file));  // most are rarely there
   }
 }
 

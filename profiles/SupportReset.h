@@ -5,6 +5,8 @@
 #include <string_view>
 
 #include "core/Status.h"
+#include "profiles/ProfileRef.h"
+#include "profiles/StoreView.h"
 
 namespace tunadm {
 
@@ -13,7 +15,11 @@ namespace tunadm {
 // kRefusedWhileRunning. Files that cannot be removed are passed over.
 Status resetProfile(std::string_view selector, std::string* profile_name);
 
+// The same for a profile that was found in `store`; the caller is privileged and holds the profile
+// lock. Fails with kRefusedWhileRunning.
+Status clearState(const ProfileRef& profile, StoreView* store);
+
 // The removal alone.
-void removeStateFiles(std::string_view dir_name);
+void removeStateFiles(const ProfileRef& profile);
 
 }  // namespace tunadm

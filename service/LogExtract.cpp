@@ -18,6 +18,13 @@ namespace {
 // What fgets with a buffer of 4,096 bytes reads at most.
 constexpr off_t kPieceSize = 4095;
 
+constexpr int kMostLines = 100000;
+
+std::size_t wantedLines(int max_lines) {
+  return static_cast<std::size_t>(max_lines < 0 ? kDefaultLogLines
+                                                : std::min(max_lines, kMostLines));
+}
+
 // Takes the answer from its last line to its first.
 class Search {
  public:
@@ -99,7 +106,7 @@ Status LogExtract::find(const std::string& path, int max_lines, LogLevel thresho
     return Status(kSuccessWithWarnings);
   }
   LogWindow window(std::move(log));
-  Search search(static_cast<std::size_t>(std::max(0, max_lines)), threshold, &found_);
+  Search search(wantedLines(max_lines), threshold, &found_);
   const bool read = readBackward(&window, at_start.st_size, &search);
   return Status(read ? kSuccess : kReadFailed);
 }

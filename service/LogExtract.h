@@ -10,6 +10,9 @@
 
 namespace tunadm {
 
+// How many lines are found unless the caller says otherwise.
+inline constexpr int kDefaultLogLines = 50;
+
 // Finds the last lines of a log, and hands them out in the order of the file.
 class LogExtract {
  public:
@@ -18,10 +21,11 @@ class LogExtract {
   // 4,096 bytes or more counts as several, of 4,095 bytes each.
   //
   // The log is read from its end, as far as the answer needs, and only what was there at the start;
-  // a log that is cut meanwhile gives what is left. A `max_lines` of 0 or below asks for nothing,
-  // which succeeds. Without a regular file at `path` there is one line that says so, and the status
-  // is kSuccessWithWarnings. Fails with kOpenFailed or kReadFailed. Besides the answer, a fixed
-  // 256 KiB of memory is needed. For one call only.
+  // a log that is cut meanwhile gives what is left. A negative `max_lines` stands for
+  // kDefaultLogLines, and 100,000 lines are the most; 0 asks for nothing, which succeeds. Without a
+  // regular file at `path` there is one line that says so, and the status is kSuccessWithWarnings.
+  // Fails with kOpenFailed or kReadFailed. Besides the answer, a fixed 256 KiB of memory is needed.
+  // For one call only.
   Status find(const std::string& path, int max_lines, LogLevel threshold);
 
   void print(const LineReceiver& out) const;

@@ -5,23 +5,20 @@
 #include <cstdlib>
 #include <ctime>
 #include <optional>
-#include <string>
 #include <string_view>
 
 #include "fundkit/KeyValueFile.h"
-#include "profiles/ProfilePaths.h"
 
 namespace tunadm {
 namespace {
 
 // After this many seconds without an update of the file, the daemon is gone.
 constexpr long kUpdateIsOldAfter = 6;
-// What it writes about its connections in its first seconds is not to be trusted.
+// What it writes about its connections during its first seconds cannot be trusted.
 constexpr long kWarmUp = 4;
 
-bool readStatusFile(KeyValueTable* table) {
-  std::string path;
-  return currentProfileFile(kStatusFile, &path) && readKeyValueFile(path, '=', std::nullopt, table);
+bool readStatusFile(const std::string& path, KeyValueTable* table) {
+  return readKeyValueFile(path, '=', std::nullopt, table);
 }
 
 // The value of a key, or null.
@@ -33,7 +30,7 @@ const std::string* valueOf(const KeyValueTable& table, std::string_view key) {
 // Text that is not a number reads as 0.
 long number(const std::string& text) { return std::strtol(text.c_str(), nullptr, 10); }
 
-// `end` - `start`; times that no clock shows must not overflow it.
+// `end` - `start`, or the nearest number that fits: the file may hold any time.
 long secondsBetween(long start, long end) {
   long seconds = 0;
   if (!__builtin_sub_overflow(end, start, &seconds)) return seconds;
@@ -56,22 +53,22 @@ void readConnections(const KeyValueTable& table, ServiceState* state) {
 
 }  // namespace
 
-TriState isDaemonRunning() {
+TriState isDaemonRunning(const std::string& status_file) {
   KeyValueTable table;
-  if (!readStatusFile(&table)) return TriState::kNo;
+  if (!readStatusFile(status_file, &table)) return TriState::kNo;
   const std::string* const update = valueOf(table, "uptime.now");
   if (update == nullptr || valueOf(table, "uptime.started") == nullptr) return TriState::kUnknown;
   return isOld(*update) ? TriState::kNo : TriState::kYes;
 }
 
-Status readServiceState(ServiceState* state) {
+Status readServiceState(const std::string& status_file, ServiceState* state) {
   *state = ServiceState();
-  state->running = isDaemonRunning();
+  state->running = isDaemonRunning(status_file);
   if (state->running != TriState::kYes) return Status(kSuccess);
 
   // The daemon may have rewritten the file since: look again at all of it.
   KeyValueTable table;
-  if (!readStatusFile(&table)) {
+  if (!readStatusFile(status_file, &table)) {
     state->running = TriState::kNo;
     return Status(kSuccess);
   }
@@ -84,12 +81,6 @@ Status readServiceState(ServiceState* state) {
     readConnections(table, state);
   }
   return Status(kSuccess);
-}
-
-TriState isCurrentProfile(const ProfileIdentity& profile) {
-  const ProfileIdentity current = lookUpCurrentProfile();
-  if (!current.valid) return TriState::kUnknown;
-  return profile.dir_path == current.dir_path ? TriState::kYes : TriState::kNo;
 }
 
 }  // namespace tunadm

@@ -1,16 +1,17 @@
 // The daemon's state, from the status file that it rewrites while it runs.
 #pragma once
 
+#include <string>
+
 #include "core/Status.h"
-#include "profiles/CurrentProfile.h"
 
 namespace tunadm {
 
 enum class TriState { kYes = 1, kNo = 2, kUnknown = 3 };
 
-// Whether the daemon runs with the current profile: its last update is less than 6 seconds old. No
-// when there is no status file, unknown when the file lacks the times.
-TriState isDaemonRunning();
+// Whether the daemon runs that writes `status_file`: its last update is less than 6 seconds old. No
+// when there is no such file (or the path is empty), unknown when the file lacks the times.
+[[nodiscard]] TriState isDaemonRunning(const std::string& status_file);
 
 struct ServiceState {
   TriState running = TriState::kUnknown;
@@ -18,12 +19,9 @@ struct ServiceState {
   TriState tunnel = TriState::kUnknown;    // whether there is a peer with a tunnel
 };
 
-// The daemon's state in full. What the connections are is known only of a daemon that has run for
-// more than four seconds. Fails with kApplicationError when the times vanish from the status file
-// while it is read.
-Status readServiceState(ServiceState* state);
-
-// Whether `profile` is the current one; unknown when there is no current profile.
-TriState isCurrentProfile(const ProfileIdentity& profile);
+// The daemon's state in full, from the same file. The state of its connections is known only after
+// it has run for more than four seconds. Fails with kApplicationError when the times vanish from
+// the file between two looks at it.
+Status readServiceState(const std::string& status_file, ServiceState* state);
 
 }  // namespace tunadm

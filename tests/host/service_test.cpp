@@ -160,7 +160,7 @@ TEST(ServiceStatus, Branches) {
   for (const auto& [text, expected] : cases) {
     host.file("one/hipvars.txt", text);
     ServiceState found;
-    EXPECT_TRUE(readServiceState(&found).ok()) << text;
+    EXPECT_TRUE(readServiceState("/opt/vrx/profiles/one/hipvars.txt", &found).ok()) << text;
     const std::string shown = {letter(found.running), letter(found.helmsman), letter(found.tunnel)};
     EXPECT_EQ(shown, expected) << text;
   }

@@ -7,8 +7,8 @@
 #include <string>
 #include <utility>
 
+#include "profiles/ConfigControl.h"
 #include "profiles/ConfigText.h"
-#include "profiles/NetworkInterfaces.h"
 #include "tests/support/Rows.h"
 
 namespace tunadm {

@@ -1,0 +1,44 @@
+// One reading of the profiles directory.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+#include "profiles/ProfileRef.h"
+#include "profiles/TakenNames.h"
+
+namespace tunadm {
+
+// The profiles on disk and their friendly names. Entries whose names begin with "." are not
+// profiles, and neither are symbolic links.
+class StoreScan {
+ public:
+  // Reads the directory and the names afresh. False when the directory cannot be listed.
+  [[nodiscard]] bool read();
+
+  // True when every profile has a friendly name that no other has.
+  [[nodiscard]] bool sound() const;
+
+  // Gives a unique name, on disk, to each profile that has none or shares it with one before it in
+  // the order of the directory. The caller holds the profile lock, and has read under it. False
+  // when a name cannot be written.
+  [[nodiscard]] bool repair();
+
+  // The names of all entries of the directory, of whatever kind; good as long as the scan.
+  std::unordered_set<std::string_view> entryNames() const;
+
+  // The friendly names of a sound store.
+  TakenNames takenNames() const;
+
+  // Moves the profiles out, sorted by friendly name (bytewise).
+  ProfileList takeSorted();
+
+ private:
+  // In the order of the directory. The name is empty where there is none.
+  ProfileList profiles_;
+  std::vector<std::string> others_;  // entries that are not profiles
+};
+
+}  // namespace tunadm
