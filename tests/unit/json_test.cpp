@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "json/AsciiCase.h"
 #include "json/JsonParser.h"
 #include "json/JsonPrinter.h"
 #include "json/JsonSequencer.h"
@@ -36,6 +37,18 @@ std::string repeated(std::string_view piece, int times) {
   std::string text;
   for (int i = 0; i < times; ++i) text += piece;
   return text;
+}
+
+TEST(AsciiCase, OnlyLettersOfAsciiHaveTwoForms) {
+  EXPECT_TRUE(equalIgnoringCase("aZ@[`{\xc4", "Az@[`{\xc4"));
+  for (const auto& [left, right] : {Pair{"@", "`"}, {"[", "{"}, {"\xc4", "\xe4"}, {"a", "ab"}}) {
+    EXPECT_FALSE(equalIgnoringCase(left, right)) << left << right;
+  }
+  EXPECT_TRUE(startsWithIgnoringCase("WARNing", "warn"));
+  EXPECT_TRUE(startsWithIgnoringCase("warn", "WARN"));
+  EXPECT_TRUE(startsWithIgnoringCase("", ""));
+  EXPECT_FALSE(startsWithIgnoringCase("war", "warn"));
+  EXPECT_FALSE(startsWithIgnoringCase("awarn", "warn"));
 }
 
 TEST(JsonScanner, TokensAsPrinted) {
