@@ -65,4 +65,11 @@ class jsObject : public JsonPooled {
   };
 };
 
+// A place in a walk over a tree: the children of `container` before `next` are done. A walk keeps a
+// list of these instead of recursing, because a tree may be deeper than the stack.
+struct JsonWalkPlace {
+  const jsObject* container;
+  std::size_t next;
+};
+
 }  // namespace tunadm

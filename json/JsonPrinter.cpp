@@ -91,17 +91,11 @@ void printScalar(const jsObject& value, std::string* out) {
   }
 }
 
-// A container whose opening is printed, and the child to go on with.
-struct OpenContainer {
-  const jsObject* container;
-  std::size_t next;
-};
-
-// Opens a container, to be finished by the caller of `open`; prints anything else whole.
-void printStart(const jsObject& value, std::string* out, std::vector<OpenContainer>* open) {
+// Prints a scalar whole, but only the opening of a container, which it adds to `path`.
+void printStart(const jsObject& value, std::string* out, std::vector<JsonWalkPlace>* path) {
   if (!value.isContainer()) return printScalar(value, out);
   out->append(value.kind() == kJsonObject ? "{ " : "[ ");
-  open->push_back({&value, 0});
+  path->push_back({&value, 0});
 }
 
 // Prints what comes before the child at `index`.
@@ -117,21 +111,20 @@ void printSeparator(const jsObject& container, std::size_t index, std::string* o
 
 void printJson(const jsObject* value, std::string* out) {
   if (value == nullptr) return;
-  // A list of the open containers instead of recursion: a tree may be deeper than the stack.
-  std::vector<OpenContainer> open;
-  printStart(*value, out, &open);
-  while (!open.empty()) {
-    const jsObject& container = *open.back().container;
-    const std::size_t index = open.back().next++;
+  std::vector<JsonWalkPlace> path;
+  printStart(*value, out, &path);
+  while (!path.empty()) {
+    const jsObject& container = *path.back().container;
+    const std::size_t index = path.back().next++;
     if (index < container.childCount()) {
       printSeparator(container, index, out);
-      printStart(*container.child(index), out, &open);
+      printStart(*container.child(index), out, &path);
       continue;
     }
     // The opening of an empty container brought its only blank.
     if (index != 0) out->push_back(' ');
     out->push_back(container.kind() == kJsonObject ? '}' : ']');
-    open.pop_back();
+    path.pop_back();
   }
 }
 

@@ -62,12 +62,7 @@ jsObject* copyWithoutChildren(const jsObject* value) {
   }
 }
 
-// A container whose children before `next` are gone.
-struct OpenContainer {
-  jsObject* container;
-  std::size_t next;
-};
-
+// A container, and its copy that has no children yet.
 struct CopyStep {
   const jsObject* source;
   jsObject* copy;
@@ -125,19 +120,18 @@ void releaseJson(jsObject* value) {
     delete value;
     return;
   }
-  // A list of the open containers instead of recursion: a tree may be deeper than the stack. In the
-  // order in which trees are mostly built, so that memory is walked over from front to back.
-  std::vector<OpenContainer> open = {{value, 0}};
-  while (!open.empty()) {
-    jsObject* const container = open.back().container;
-    if (open.back().next == container->childCount()) {
+  // In the order in which most trees are built, so that memory is read from front to back.
+  std::vector<JsonWalkPlace> path = {{value, 0}};
+  while (!path.empty()) {
+    const jsObject* const container = path.back().container;
+    if (path.back().next == container->childCount()) {
       delete container;
-      open.pop_back();
+      path.pop_back();
       continue;
     }
-    jsObject* const child = container->child(open.back().next++);
+    jsObject* const child = container->child(path.back().next++);
     if (child->isContainer()) {
-      open.push_back({child, 0});
+      path.push_back({child, 0});
     } else if (!isShared(child)) {
       delete child;
     }
