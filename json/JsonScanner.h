@@ -41,10 +41,10 @@ class TokenReceiver {
   void onValue(const char* text) = delete;
 };
 
-// Hands the tokens of `text` to `receiver`. A `length` below zero stands for that of the C string.
-// False, without a call, when `text` is null or empty; otherwise true at the end of the text, also
-// after errors. A string without its closing quote ends the scan silently. Numbers read as by
-// strtod. Takes time linear in the length.
-bool scanJson(const char* text, std::ptrdiff_t length, TokenReceiver* receiver);
+// Passes the tokens of `text` to `receiver`, in time linear in the length. A negative `length`
+// means that `text` is a C string. Returns false, without a call, if `text` is null or empty;
+// otherwise true after the whole text, even after errors. A string without a closing quote ends the
+// scan silently. Numbers are read as by strtod(3).
+[[nodiscard]] bool scanJson(const char* text, std::ptrdiff_t length, TokenReceiver* receiver);
 
 }  // namespace tunadm

@@ -29,27 +29,28 @@ enum JsonKind : std::uint32_t {
 class jsObject;
 
 // Making. The caller owns the result. A null `text` makes the empty string.
-jsObject* makeNull();
-jsObject* makeBoolean(bool boolean);
-jsObject* makeNumber(double number);
-jsObject* makeString(std::string_view text);
-jsObject* makeString(const char* text);
-jsObject* makeArray();
-jsObject* makeObject();
+[[nodiscard]] jsObject* makeNull();
+[[nodiscard]] jsObject* makeBoolean(bool boolean);
+[[nodiscard]] jsObject* makeNumber(double number);
+[[nodiscard]] jsObject* makeString(std::string_view text);
+[[nodiscard]] jsObject* makeString(const char* text);
+[[nodiscard]] jsObject* makeArray();
+[[nodiscard]] jsObject* makeObject();
 
-// Frees the whole tree below `value`, shared instances excepted; a null pointer is ignored.
+// Frees `value` and everything in it, except shared instances. A null pointer is ignored.
 void releaseJson(jsObject* value);
 
-// A new tree equal to `value`, shared instances shared again; null for a null pointer.
-jsObject* deepCopy(const jsObject* value);
+// Returns a new tree equal to `value`, owned by the caller; shared instances are shared again. Null
+// for a null pointer.
+[[nodiscard]] jsObject* deepCopy(const jsObject* value);
 
 // Kind tests; false for a null pointer.
-bool isNull(const jsObject* value);
-bool isBoolean(const jsObject* value);
-bool isNumber(const jsObject* value);
-bool isString(const jsObject* value);
-bool isArray(const jsObject* value);
-bool isObject(const jsObject* value);
+[[nodiscard]] bool isNull(const jsObject* value);
+[[nodiscard]] bool isBoolean(const jsObject* value);
+[[nodiscard]] bool isNumber(const jsObject* value);
+[[nodiscard]] bool isString(const jsObject* value);
+[[nodiscard]] bool isArray(const jsObject* value);
+[[nodiscard]] bool isObject(const jsObject* value);
 
 // `value` itself when it is of that kind, else null.
 const jsObject* asNull(const jsObject* value);
@@ -65,8 +66,8 @@ jsObject* asString(jsObject* value);
 jsObject* asArray(jsObject* value);
 jsObject* asObject(jsObject* value);
 
-// Contents of scalars. The texts belong to the value; only stringView shows bytes behind a NUL.
-bool booleanValue(const jsObject* value);
+// Contents of scalars. The texts belong to the value. Only stringView shows bytes after a NUL.
+[[nodiscard]] bool booleanValue(const jsObject* value);
 double numberValue(const jsObject* value);
 const char* stringText(const jsObject* value);
 std::string_view stringView(const jsObject* value);
