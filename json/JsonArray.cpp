@@ -6,7 +6,6 @@
 #include "json/JsonValue.h"
 
 namespace tunadm {
-
 namespace {
 
 jsObject* orNull(jsObject* value) { return value == nullptr ? makeNull() : value; }

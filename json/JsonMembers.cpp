@@ -4,13 +4,12 @@
 #include <utility>
 
 namespace tunadm {
-
 namespace {
 
-// Up to here a walk over the names is faster than hashing, and needs no further memory.
+// Up to this many, comparing the names one by one is faster than hashing, and needs no memory.
 constexpr std::size_t kMostUnindexed = 16;
 
-// Most objects have a few members; this saves the first two regrowths.
+// Most objects have a few members. This saves growing the list twice.
 constexpr std::size_t kFirstCapacity = 4;
 
 }  // namespace
@@ -55,7 +54,7 @@ jsObject* JsonMembers::put(std::string_view name, jsObject* value) {
 jsObject* JsonMembers::remove(std::size_t position) {
   const std::size_t last = list_.size() - 1;
   if (index_) {
-    // Both leave the index under the names they have now; the moved one comes back under its own.
+    // Both must leave while their names are in place; the moved one is inserted again below.
     index_->erase(position);
     index_->erase(last);
   }

@@ -19,9 +19,9 @@ struct JsonMember {
   jsObject* value;
 };
 
-// Unique names, each with a value that this class does not own, in the order of their coming except
-// after a removal. Past a few members it also keeps an index of the names, so that large objects
-// are built and searched without comparing every name with every other.
+// Unique names, each with a value that this class does not own, in the order in which they were
+// added, except after a removal. Large objects also have an index of the names, so that building
+// and searching one does not compare every name with every other.
 class JsonMembers : public JsonPooled {
  public:
   using MemberList = std::vector<JsonMember, JsonAllocator<JsonMember>>;
@@ -34,11 +34,11 @@ class JsonMembers : public JsonPooled {
 
   const MemberList& list() const { return list_; }
 
-  // kNone when there is no such name.
+  // Returns the position of the member, or kNone.
   std::size_t find(std::string_view name) const;
 
-  // Adds a member at the end, or puts `value` in the place of the member of that name. Returns the
-  // value that stood there, or null.
+  // Adds a member at the end, or replaces the value of the member of that name. Returns the old
+  // value, or null.
   jsObject* put(std::string_view name, jsObject* value);
 
   // Removes a member and returns its value. The last member takes its place.

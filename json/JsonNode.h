@@ -17,7 +17,7 @@ struct JsonElements : JsonPooled {
   std::vector<jsObject*, JsonAllocator<jsObject*>> list;
 };
 
-// Owns its payload, but not the values that an array or object points to: releaseJson frees those.
+// Owns its payload, but not the values that an array or object points to; releaseJson frees those.
 class jsObject : public JsonPooled {
  public:
   // Null, or an empty array or object.
@@ -45,7 +45,7 @@ class jsObject : public JsonPooled {
   const JsonMembers& members() const { return *members_; }
   JsonMembers& members() { return *members_; }
 
-  // The values in a container of either kind.
+  // Only for an array or object: the values in it.
   std::size_t childCount() const {
     return kind_ == kJsonArray ? elements().size() : members().list().size();
   }
@@ -59,7 +59,7 @@ class jsObject : public JsonPooled {
     bool boolean_;
     double number_;
     JsonText text_;
-    // Apart, as they would make every value twice as large.
+    // Apart, because they would make every value twice as large.
     JsonElements* elements_;
     JsonMembers* members_;
   };

@@ -6,7 +6,6 @@
 #include "json/JsonValue.h"
 
 namespace tunadm {
-
 namespace {
 
 std::size_t positionOf(const jsObject* object, std::string_view name) {

@@ -96,7 +96,7 @@ void parserinfo::addMember(jsObject* object, jsObject* value) {
     releaseJson(object->members().put(name_, value));
     name_.clear();
   } else {
-    // Deliberate: a container under an empty name is no error; it is only dropped.
+    // Deliberate: a container under an empty name is dropped, but is not an error.
     const bool dropped = value->isContainer();
     releaseJson(value);
     if (!dropped) return onError("onValue: no available name for field");
@@ -117,7 +117,7 @@ void parserinfo::open(jsObject* container, ParserState next) {
 void parserinfo::close() {
   OpenContainer closed = std::move(open_.back());
   open_.pop_back();
-  // A name that an error left unused must not reach a member of another container.
+  // A name left over by an error must not reach another container's member.
   name_.clear();
   state_ = kParserWantsValue;
   if (closed.owned) return addValue(closed.owned.take());

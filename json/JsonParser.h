@@ -12,7 +12,7 @@
 
 namespace tunadm {
 
-// The numbers are fixed.
+// The numbers are part of the interface.
 enum ParserState : std::int32_t {
   kParserFinished = 0,    // a whole value was received, or an error was reported
   kParserWantsValue = 1,  // a value is expected
@@ -23,18 +23,18 @@ enum ParserState : std::int32_t {
 };
 
 // Builds one value from tokens. A token that does not fit is reported to onError and dropped, and
-// so is the result if there is one. The containers stay open, though: a closing bracket or brace is
-// taken in any state and carries on from there, so that `{"a":1 x}` gives an object with a=1 after
-// all. Deliberate, as is the trailing comma which that lets through.
+// so is a result that was finished. Containers stay open, though: a closing bracket or brace is
+// accepted in any state and parsing continues from there, so `{"a":1 x}` still makes an object with
+// a=1. This is deliberate, as is the trailing comma that it allows.
 //
-// Nothing limits the depth, and no operation recurses on it.
+// The depth is not limited, and nothing recurses on it.
 class parserinfo : public TokenReceiver {
  public:
-  // The finished value, the caller's from now on, or null: it is there only after the last token of
-  // the value, and once.
+  // Returns the finished value, which the caller then owns; null before the last token of the value
+  // and on a second call.
   [[nodiscard]] jsObject* takeResult();
 
-  // Also called by the parser itself; an override must call it. Nothing keeps the message.
+  // Also called by the parser itself. The message is not kept; an override must call this one.
   void onError(const char* message) override;
 
   void onLeftBracket() override;
@@ -43,7 +43,7 @@ class parserinfo : public TokenReceiver {
   void onRightCurly() override;
   void onComma() override;
   void onColon() override;
-  using TokenReceiver::onValue;  // keeps the deleted one in sight
+  using TokenReceiver::onValue;  // the deleted one too
   void onValue(double number) override;
   void onValue(std::string_view text) override;
   void onNull() override;
@@ -51,8 +51,8 @@ class parserinfo : public TokenReceiver {
   void onName(std::string_view word) override;
 
  private:
-  // `owned` is empty when the container is a member of the one below, which owns it then. An array
-  // element comes to its array only when it closes.
+  // A container whose closing bracket is still to come. `owned` is empty if it is a member of the
+  // object around it, which owns it; an element is added to its array only when it closes.
   struct OpenContainer {
     jsObject* container;
     ScopedJson owned;
@@ -67,12 +67,12 @@ class parserinfo : public TokenReceiver {
   ParserState state_ = kParserWantsValue;
   ScopedJson result_;
   std::vector<OpenContainer> open_;
-  std::string name_;  // read, but not used yet; it belongs to the innermost container
+  std::string name_;  // of the innermost container's next member
 };
 
-// The value that the whole of `text` makes, owned by the caller, or null: for a null or empty text,
-// for one that ends too early, and for errors that no closing bracket made good. A `length` below
-// zero stands for that of the C string.
+// Returns the value that the whole of `text` makes, owned by the caller. Null for a null or empty
+// text, for one that ends too early, and for errors without a closing bracket after them. A
+// negative `length` means that `text` is a C string.
 [[nodiscard]] jsObject* parseJson(const char* text, std::ptrdiff_t length);
 
 }  // namespace tunadm

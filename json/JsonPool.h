@@ -8,13 +8,13 @@
 
 namespace tunadm {
 
-// Hands out small blocks, which a tree needs by the million, in a few instructions each: from the
-// blocks of the same size that were given back, or else off the end of a large chunk. When no block
-// is out any more, it begins with its first chunk again, so that what comes next lies in one piece;
-// it returns no memory to the system. Not for use by several threads at once.
+// Allocates small blocks, which a tree needs by the million, in a few instructions each: from
+// blocks of the same size that were given back, or else from the end of a large chunk. When all
+// blocks have been given back, it starts again with its first chunk, so that the next tree is
+// contiguous. It returns no memory to the system. Only one thread may use it.
 class JsonPool {
  public:
-  // At least `size` bytes, aligned for pointers and doubles.
+  // Returns at least `size` bytes, aligned for pointers and doubles.
   void* take(std::size_t size) {
     if (size > kLargestBlock) return ::operator new(size);
     ++taken_;
@@ -25,7 +25,7 @@ class JsonPool {
     return block;
   }
 
-  // Takes back what take gave for the same size.
+  // Takes back what take returned for the same size.
   void give(void* memory, std::size_t size) {
     if (size > kLargestBlock) return ::operator delete(memory);
     Block*& first = free_[place(size)];
@@ -46,7 +46,7 @@ class JsonPool {
     Block* next;
   };
 
-  // The head of a chunk, at the beginning of its memory.
+  // Stands at the beginning of a chunk.
   struct Chunk {
     Chunk* next;
     std::size_t size;  // of all of it
@@ -55,10 +55,10 @@ class JsonPool {
   static constexpr std::size_t place(std::size_t size) { return (size + kGrain - 1) / kGrain; }
 
   void* cut(std::size_t block_size) {
-    // What is left of the old chunk is less than one block, and is given up.
-    if (rest_size_ < block_size) addChunk();
-    rest_size_ -= block_size;
-    return std::exchange(rest_, rest_ + block_size);
+    // The remainder of the old chunk is smaller than one block, and is given up.
+    if (remainder_size_ < block_size) addChunk();
+    remainder_size_ -= block_size;
+    return std::exchange(remainder_, remainder_ + block_size);
   }
 
   void addChunk();
@@ -66,8 +66,8 @@ class JsonPool {
 
   std::array<Block*, kLargestBlock / kGrain + 1> free_ = {};
   std::size_t taken_ = 0;
-  char* rest_ = nullptr;  // what is left of the newest chunk
-  std::size_t rest_size_ = 0;
+  char* remainder_ = nullptr;  // of the newest chunk
+  std::size_t remainder_size_ = 0;
   Chunk* chunks_ = nullptr;  // in use, the newest one first
   Chunk* unused_ = nullptr;
 };
@@ -77,7 +77,6 @@ inline constinit JsonPool json_pool;
 // The base of classes whose instances live in the pool.
 struct JsonPooled {
   static void* operator new(std::size_t size) { return json_pool.take(size); }
-  static void* operator new(std::size_t /*size*/, void* place) { return place; }
   static void operator delete(void* memory, std::size_t size) { json_pool.give(memory, size); }
 };
 
@@ -92,7 +91,7 @@ struct JsonAllocator {
   constexpr explicit(false) JsonAllocator(const JsonAllocator<Other>& /*other*/) {}
 
   T* allocate(std::size_t count) {
-    // T is meant to be a pointer in some places, hence the two exceptions.
+    // T is a pointer in some places, on purpose: hence the two exceptions.
     void* const memory = json_pool.take(count * sizeof(T));  // NOLINT(bugprone-sizeof-expression)
     return static_cast<T*>(memory);
   }

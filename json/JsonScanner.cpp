@@ -9,7 +9,6 @@
 #include <system_error>
 
 namespace tunadm {
-
 namespace {
 
 bool isLetter(char byte) { return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z'); }
@@ -22,11 +21,11 @@ bool isDigit(char byte) { return byte >= '0' && byte <= '9'; }
 
 bool isBlank(char byte) { return byte == ' ' || byte == '\t' || byte == '\n' || byte == '\r'; }
 
-// Anything else belongs to the number, a colon and quotes too.
+// Any other byte belongs to the number, even a colon or a quote.
 bool endsNumber(char byte) { return byte == ',' || byte == '}' || byte == ']' || isBlank(byte); }
 
-// The byte that a backslash and `escaped` stand for. Deliberate: what is unknown becomes a question
-// mark, and so does the u of a code point, whose digits then stay as they are.
+// The byte that a backslash and `escaped` stand for. Deliberate: an unknown escape becomes a
+// question mark, and so does the u of a code point; its digits stay as they are.
 char unescapedByte(char escaped) {
   switch (escaped) {
     case '"':
@@ -55,15 +54,15 @@ void unescape(std::string_view content, std::string* out) {
   for (;;) {
     const std::size_t backslash = content.find('\\', begin);
     out->append(content.substr(begin, backslash - begin));
-    // A backslash at the very end stands for nothing.
+    // A backslash at the very end is dropped.
     if (backslash == std::string_view::npos || backslash + 1 == content.size()) return;
     out->push_back(unescapedByte(content[backslash + 1]));
     begin = backslash + 2;
   }
 }
 
-// As strtod. The plain forms are left to from_chars, which is several times as fast and agrees with
-// it on them; hexadecimal digits, a plus sign and what overflows are not among them.
+// As strtod(3). Plain forms are left to from_chars, which is several times as fast and reads them
+// alike. Hexadecimal digits, a plus sign and numbers that overflow are not plain.
 double toNumber(std::string_view token) {
   const char* const end = token.data() + token.size();
   const std::size_t sign = token.front() == '-' ? 1 : 0;
@@ -72,7 +71,7 @@ double toNumber(std::string_view token) {
     const auto [stop, error] = std::from_chars(token.data(), end, number);
     if (error == std::errc() && (stop == end || (*stop | 0x20) != 'x')) return number;
   }
-  // strtod needs an end to stop at, and the text need not have one.
+  // strtod needs a NUL to stop at, which the text need not have.
   return std::strtod(std::string(token).c_str(), nullptr);
 }
 
@@ -86,7 +85,7 @@ class Scanner {
   }
 
  private:
-  // Each begins at next_ and leaves it behind the token.
+  // Each begins at next_ and moves it past the token.
   void scanToken();
   void scanOther();
   void scanString();
@@ -96,7 +95,7 @@ class Scanner {
   const char* next_;
   const char* end_;
   TokenReceiver& receiver_;
-  std::string buffer_;  // for a string that cannot be passed on as it stands in the text
+  std::string buffer_;  // for a string with escapes
 };
 
 void Scanner::scanToken() {
@@ -145,7 +144,7 @@ void Scanner::scanString() {
   const char* stop = std::find_if(begin, end_, endsPlainText);
   const bool escapes = stop != end_ && *stop == '\\';
   while (stop != end_ && *stop != '"') {
-    if (*stop == '\\' && ++stop == end_) break;  // over a quote too
+    if (*stop == '\\' && ++stop == end_) break;  // skips an escaped quote
     ++stop;
   }
   if (stop == end_) {
@@ -169,7 +168,7 @@ void Scanner::scanNumber() {
   const std::ptrdiff_t length = next_ - digits;
   if (length > 0 && length <= std::numeric_limits<double>::digits10 &&
       (next_ == end_ || endsNumber(*next_))) {
-    // Most numbers are whole and short, and read by now.
+    // Most numbers are short and whole, and need nothing more.
     const auto number = static_cast<double>(whole);
     return receiver_.onValue(digits == begin ? number : -number);
   }

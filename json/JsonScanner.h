@@ -1,7 +1,8 @@
 // The scanner: cuts JSON text into tokens.
 //
-// The language is looser than standard JSON. Bare words are tokens, so that member names need no
-// quotes; a number runs to the next delimiter; unknown escapes are taken. Bytes have no encoding.
+// The language is looser than standard JSON (RFC 8259). Bare words are tokens, so member names need
+// no quotes; a number runs to the next delimiter; unknown escapes are accepted. No encoding is
+// assumed.
 #pragma once
 
 #include <cstddef>
@@ -9,8 +10,8 @@
 
 namespace tunadm {
 
-// What the tokens of a text are handed to, in the order of the text. The views that are passed are
-// good only during the call.
+// Receives the tokens of a text, in their order. The views that are passed are valid only during
+// the call.
 class TokenReceiver {
  public:
   TokenReceiver() = default;
@@ -18,7 +19,7 @@ class TokenReceiver {
   TokenReceiver& operator=(const TokenReceiver&) = delete;
   virtual ~TokenReceiver() = default;
 
-  // A byte that begins no token. The scan goes on behind it.
+  // A byte that cannot begin a token. The scan continues after it.
   virtual void onError(const char* message) = 0;
 
   virtual void onLeftBracket() = 0;
@@ -32,7 +33,7 @@ class TokenReceiver {
   // A quoted string, unescaped.
   virtual void onValue(std::string_view text) = 0;
 
-  // The bare words null, true and false; onName has any other one.
+  // The bare words null, true and false; any other one goes to onName.
   virtual void onNull() = 0;
   virtual void onValue(bool boolean) = 0;
   virtual void onName(std::string_view word) = 0;

@@ -1,4 +1,4 @@
-// Reading JSON objects that follow one another in one text.
+// The sequence reader: JSON objects that follow one another in one text.
 #pragma once
 
 #include <cstddef>
@@ -10,11 +10,11 @@
 
 namespace tunadm {
 
-// Appends each object that the tokens complete to an array. Only a closing brace completes
-// anything: an array or a scalar at the top is not collected, and makes what follows it fail.
+// Appends each object that the tokens complete to an array. Only a closing brace completes an
+// object: an array or a scalar at the top level is not collected, and the tokens after it fail.
 class sequencer final : public TokenReceiver {
  public:
-  // `output` stays the caller's and must outlive this object.
+  // The caller keeps owning `output`, which must outlive this object.
   explicit sequencer(jsObject* output);
 
   void onError(const char* message) override;
@@ -24,7 +24,7 @@ class sequencer final : public TokenReceiver {
   void onRightCurly() override;
   void onComma() override;
   void onColon() override;
-  using TokenReceiver::onValue;  // keeps the deleted one in sight
+  using TokenReceiver::onValue;  // the deleted one too
   void onValue(double number) override;
   void onValue(std::string_view text) override;
   void onNull() override;
@@ -36,8 +36,8 @@ class sequencer final : public TokenReceiver {
   ScopedPtr<parserinfo> parser_;  // a parser serves one value
 };
 
-// An array, owned by the caller, of the objects that follow one another in `text`; it may be empty.
-// Null for a null or empty text. A `length` below zero stands for that of the C string.
+// Returns an array, owned by the caller, of the objects in `text`; it may be empty. Null for a null
+// or empty text. A negative `length` means that `text` is a C string.
 [[nodiscard]] jsObject* parseJsonSequence(const char* text, std::ptrdiff_t length);
 
 }  // namespace tunadm

@@ -10,8 +10,8 @@
 
 namespace tunadm {
 
-// A text that never changes, in memory of the pool, with a NUL byte behind it. Half the size of a
-// std::string: a tree has several for each value. A moved-from text is empty.
+// A text that never changes, in the pool's memory, with a NUL byte after it. Half the size of a
+// std::string, since a tree has up to two for each value. A moved-from text is empty.
 class JsonText {
  public:
   explicit JsonText(std::string_view text) : size_(text.size()) {
@@ -32,7 +32,7 @@ class JsonText {
     if (size_ != 0) json_pool.give(const_cast<char*>(text_), size_ + 1);
   }
 
-  // The first bytes tell most texts of one length apart, without a call.
+  // The first bytes tell most texts of equal length apart, without a call.
   bool operator==(std::string_view other) const {
     return size_ == other.size() && (size_ == 0 || (*text_ == other.front() && view() == other));
   }

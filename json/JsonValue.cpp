@@ -10,7 +10,6 @@
 #include "json/JsonNode.h"
 
 namespace tunadm {
-
 namespace {
 
 enum SharedPlace : std::size_t {
@@ -25,8 +24,8 @@ enum SharedPlace : std::size_t {
 constexpr double kLeastSharedNumber = -1;
 constexpr double kGreatestSharedNumber = 2;
 
-// Made at first use, so that they are there for static initialisers too. Their place in this table
-// is what a release knows them by.
+// Made on first use, so that static initialisers can use them too. A release recognises them by
+// their address in this table.
 jsObject* sharedValues() {
   static jsObject values[kSharedCount] = {
       jsObject(kJsonNull), jsObject(false), jsObject(true), jsObject(-1.0),

@@ -1,13 +1,13 @@
 // JSON values: trees of jsObject, built and changed by the functions below.
 //
 // A value has one owner: its container or a holder (ScopedJson). Null, the booleans, the numbers
-// -1, 0, 1 and 2 and the empty string are shared instances that every tree may hold and that a
-// release leaves alone. Functions that take a `value` pointer to store own it from then on, also
-// when they do not store it: then they release it. Not for use by several threads at once, not even
-// on different trees: all share one pool of memory.
+// -1, 0, 1 and 2 and the empty string are shared instances, which any tree may hold and a release
+// leaves alone. A function that stores a `value` takes ownership of it in any case: what it does
+// not store, it releases. Only one thread may use these functions, even on different trees: all
+// trees share one pool of memory.
 //
-// A name is any run of bytes; an empty one is no name. An operation on a pointer that is null or of
-// another kind finds nothing (null, 0, empty, -1) and changes nothing.
+// A name is any sequence of bytes but the empty one. An operation on a null pointer, or on a value
+// of another kind, finds nothing (null, 0, empty, -1) and changes nothing.
 #pragma once
 
 #include <cstddef>
@@ -16,7 +16,7 @@
 
 namespace tunadm {
 
-// The numbers are fixed.
+// The numbers are part of the interface.
 enum JsonKind : std::uint32_t {
   kJsonNull = 1,
   kJsonBoolean = 2,
@@ -72,7 +72,7 @@ double numberValue(const jsObject* value);
 const char* stringText(const jsObject* value);
 std::string_view stringView(const jsObject* value);
 
-// Reading arrays. An index outside the array gives null.
+// Reading arrays. Null for an index outside the array.
 std::size_t arraySize(const jsObject* array);
 const jsObject* arrayAt(const jsObject* array, std::size_t index);
 jsObject* arrayAt(jsObject* array, std::size_t index);
@@ -91,22 +91,22 @@ jsObject* appendString(jsObject* array, const char* text);
 // stores JSON null. For an index beyond the size, `value` is released and nothing changes.
 void setAt(jsObject* array, std::size_t index, jsObject* value);
 
-// Removes the element at `index` and returns it, now the caller's; later ones move down by one.
-// Null when there is none.
+// Removes the element at `index` and returns it; the caller owns it. Later elements move down by
+// one. Null when there is no such element.
 [[nodiscard]] jsObject* takeAt(jsObject* array, std::size_t index);
 [[nodiscard]] jsObject* takeLast(jsObject* array);
 
 // Removes and releases the element at `index`, if there is one.
 void removeAt(jsObject* array, std::size_t index);
 
-// Reading objects. An index outside the object gives null or an empty name.
+// Reading objects. Null or an empty name for an index outside the object.
 std::size_t objectSize(const jsObject* object);
 std::string_view memberName(const jsObject* object, std::size_t index);
 const jsObject* memberValue(const jsObject* object, std::size_t index);
 jsObject* memberValue(jsObject* object, std::size_t index);
 
-// The index of the first member of that name, or -1. The second form takes A-Z for a-z and looks at
-// every member.
+// The index of the first member of that name, or -1. The second form ignores ASCII case and takes
+// time linear in the number of members.
 std::ptrdiff_t findMember(const jsObject* object, std::string_view name);
 std::ptrdiff_t findMemberIgnoringCase(const jsObject* object, std::string_view name);
 
@@ -115,12 +115,13 @@ std::ptrdiff_t findMemberIgnoringCase(const jsObject* object, std::string_view n
 // empty name only releases `value`.
 void setMember(jsObject* object, std::string_view name, jsObject* value);
 
-// Sets a string made as by makeString; returns it, owned by the object, or null if it was not set.
+// Sets a member to a string made by makeString. Returns the string, owned by the object, or null if
+// it was not set.
 jsObject* setStringMember(jsObject* object, std::string_view name, std::string_view text);
 jsObject* setStringMember(jsObject* object, std::string_view name, const char* text);
 
-// Removes the member (the last one takes its place) and returns its value, now the caller's; null
-// when there is none.
+// Removes the member and returns its value; the caller owns it. The last member takes its place.
+// Null when there is no such member.
 [[nodiscard]] jsObject* detachMember(jsObject* object, std::string_view name);
 
 }  // namespace tunadm

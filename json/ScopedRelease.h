@@ -1,10 +1,10 @@
-// The scoped holders: one pointer, released when the holder goes.
+// The scoped holders: one pointer, released when the holder is destroyed.
 #pragma once
 
 namespace tunadm {
 
-// Owns at most one T and hands it to the release function that the concrete holder supplies; the
-// function is never called for a null pointer. A moved-from holder is empty.
+// Owns at most one T and releases it by a function that the concrete holder supplies. The function
+// is never called for a null pointer. A moved-from holder is empty.
 template <typename T>
 class ScopedRelease {
  public:
@@ -16,17 +16,17 @@ class ScopedRelease {
   T& operator*() const { return *held_; }
   explicit operator bool() const { return held_ != nullptr; }
 
-  // Leaves the holder empty; the caller owns what is returned.
+  // Returns the pointer, which the caller then owns, and leaves the holder empty.
   [[nodiscard]] T* take() {
     T* taken = held_;
     held_ = nullptr;
     return taken;
   }
 
-  // Releases what is held, then takes ownership of `held`. Nothing happens when it is held already.
+  // Releases what is held, then takes ownership of `held`. Does nothing if it is held already.
   void reset(T* held = nullptr) {
     if (held == held_) return;
-    // Emptied before the release, so that a release that looks at its own holder finds nothing.
+    // Emptied first, so that a release that looks at its own holder finds nothing.
     if (T* old = take(); old != nullptr) release_(old);
     held_ = held;
   }

@@ -4,11 +4,10 @@
 #include <string>
 
 namespace tunadm {
-
 namespace {
 
 void printItem(const char* item) {
-  (void)std::printf("%s ", item);  // a diagnosis has nobody to tell that it could not be written
+  (void)std::printf("%s ", item);  // output for diagnosis: a failed write is not reported
 }
 
 }  // namespace
@@ -31,7 +30,7 @@ void TokenPrinter::onColon() { printItem(":"); }
 
 void TokenPrinter::onValue(double number) {
   char text[100];
-  (void)std::snprintf(text, sizeof text, "%f", number);  // deliberate: a longer one is cut
+  (void)std::snprintf(text, sizeof(text), "%f", number);  // deliberate: a longer one is cut
   printItem(text);
 }
 
@@ -47,7 +46,7 @@ void TokenPrinter::onName(std::string_view word) { printItem(std::string(word).c
 
 void printJsonTokens(const char* text, std::ptrdiff_t length) {
   TokenPrinter printer;
-  (void)scanJson(text, length, &printer);  // nothing to scan is nothing to print
+  (void)scanJson(text, length, &printer);  // false: there is nothing to print
 }
 
 }  // namespace tunadm

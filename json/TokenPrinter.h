@@ -1,4 +1,4 @@
-// Looking at what the JSON scanner makes of a text.
+// The token printer: shows what the scanner makes of a text.
 #pragma once
 
 #include <cstddef>
@@ -8,9 +8,9 @@
 
 namespace tunadm {
 
-// Writes each token and a blank to the standard output: strings in quotes, but not escaped again;
-// numbers with six decimals and cut after 99 bytes; an error as "error: " and its message. A string
-// is shown up to its first NUL byte.
+// Writes each token, then a blank, to standard output: strings in quotes but not escaped again, up
+// to their first NUL byte; numbers with six decimals, cut after 99 bytes; an error as "error: "
+// with its message.
 class TokenPrinter final : public TokenReceiver {
  public:
   void onError(const char* message) override;
@@ -20,7 +20,7 @@ class TokenPrinter final : public TokenReceiver {
   void onRightCurly() override;
   void onComma() override;
   void onColon() override;
-  using TokenReceiver::onValue;  // keeps the deleted one in sight
+  using TokenReceiver::onValue;  // the deleted one too
   void onValue(double number) override;
   void onValue(std::string_view text) override;
   void onNull() override;
@@ -28,8 +28,8 @@ class TokenPrinter final : public TokenReceiver {
   void onName(std::string_view word) override;
 };
 
-// Runs a TokenPrinter over `text`; writes no newline. A `length` below zero stands for that of the
-// C string.
+// Runs a TokenPrinter over `text`. Writes no newline. A negative `length` means that `text` is a C
+// string.
 void printJsonTokens(const char* text, std::ptrdiff_t length);
 
 }  // namespace tunadm
