@@ -11,93 +11,6 @@ namespace tunadm {
 namespace {
 
 constexpr std::size_t kKeyWidth = 20;
-constexpr std::size_t kMostCommands = 6;
-
-// A list of commands under one word. The names are filled up with empty ones.
-struct Category {
-  std::string_view name;
-  std::string_view commands[kMostCommands];
-};
-
-constexpr Category kCategories[] = {
-    {"profile",
-     {"profile activate", "profile create", "profile delete", "profile rename", "profile modify",
-      "profile details"}},
-    {"service", {"service start", "service stop", "service restart", "service status"}},
-    {"list", {"list profiles", "list interfaces", "list versions", "list log"}},
-    {"support", {"support reset", "support bundle"}},
-    {"internal", {}},
-    {"log", {}},
-    {"settings", {}},  // no word of help leads to it
-};
-
-struct SummaryEntry {
-  std::string_view name;
-  std::string_view summary;  // empty: the command's own
-};
-
-constexpr SummaryEntry kCategoryPointers[] = {
-    {"help profile", "for managing your HIP profiles"},
-    {"help service", "for starting and stopping HIP processes"},
-    {"help list", "to display details of various things"},
-    {"help log", "to display or manage log files"},
-    {"help support", "for advanced operations commands"},
-};
-
-constexpr SummaryEntry kCommonCommands[] = {
-    {"profile activate", ""},
-    {"profile create", ""},
-    {"profile delete", ""},
-    {"profile rename", ""},
-    {"service start", ""},
-    {"service stop", ""},
-    {"list profiles", "provides a list of the configured profiles"},
-};
-
-// The words after "help" that lead to a page. A second word that is empty stands for none, or one
-// that no row has; an empty command for the category's own page.
-struct HelpTopic {
-  std::string_view first;
-  std::string_view second;
-  std::string_view category;
-  std::string_view command;
-};
-
-constexpr HelpTopic kTopics[] = {
-    {"profile", "create", "profile", "profile create"},
-    {"profile", "activate", "profile", "profile activate"},
-    {"profile", "delete", "profile", "profile delete"},
-    {"profile", "details", "profile", "profile details"},
-    {"profile", "modify", "profile", "profile modify"},
-    {"profile", "rename", "profile", "profile rename"},
-    {"profile", "", "profile", ""},
-    // Deliberate: the plural leads to the category only.
-    {"profiles", "", "profile", ""},
-    {"service", "start", "service", "service start"},
-    {"service", "stop", "service", "service stop"},
-    {"service", "restart", "service", "service restart"},
-    {"service", "bounce", "service", "service restart"},
-    {"service", "status", "service", "service status"},
-    {"service", "", "service", ""},
-    {"list", "interfaces", "list", "list interfaces"},
-    {"list", "profiles", "list", "list profiles"},
-    {"list", "log", "list", "list log"},
-    {"list", "versions", "list", "list versions"},
-    {"list", "", "list", ""},
-    {"support", "reset", "support", "support reset"},
-    {"support", "bundle", "support", "support bundle"},
-    {"support", "", "support", ""},
-    {"internal", "", "internal", ""},
-    {"json", "", "", "json <object>"},
-    {"log", "", "log", ""},
-};
-
-constexpr std::string_view kReferenceOrder[] = {
-    "profile details", "profile modify", "profile activate", "profile create",
-    "profile delete",  "profile rename", "service start",    "service stop",
-    "service restart", "service status", "list interfaces",  "list profiles",
-    "list versions",   "list log",       "support reset",    "support bundle",
-};
 
 // Deliberate: the bracket of deviceID is missing.
 constexpr const char* kReferenceTrailer[] = {
@@ -121,26 +34,13 @@ constexpr const char* kReferenceTrailer[] = {
     "  networks: <local interfaces suitable for use as the underlay network>",
 };
 
-ScopedPtr<TunadmCommandInstance> sample(const CommandEntry& command) {
-  return command.make(command.name, CommandWords());
-}
-
 std::string summaryLine(std::string_view name, std::string_view summary) {
   return std::string("    '").append(name).append("' ").append(summary);
 }
 
-void appendSummaries(std::span<const SummaryEntry> entries, HelpLines* lines) {
-  for (const SummaryEntry& entry : entries) {
-    const std::string_view summary =
-        entry.summary.empty() ? findCommand(entry.name).summary : entry.summary;
-    lines->push_back(summaryLine(entry.name, summary));
-  }
-}
-
 // "key=<hint>", in brackets when the parameter may be left out.
 std::string usageForm(const InputParamBase& param) {
-  std::string hint;
-  param.appendHint(&hint);
+  const std::string hint = param.hint();
   std::string form(param.required() ? 0 : 1, '[');
   form.append(param.name());
   if (!hint.empty()) form.append("=<").append(hint).append(">");
@@ -149,28 +49,26 @@ std::string usageForm(const InputParamBase& param) {
 }
 
 std::string usageLine(const CommandEntry& command, const TunadmCommandInstance& instance) {
-  std::string line = std::string(command.name) + std::string(command.placeholder);
-  for (const InputParamBase* param : instance.params()) {
-    if (!param->hidden()) line.append(" ").append(usageForm(*param));
+  std::string line(command.name);
+  if (command.target != nullptr) line.append(command.target->placeholder);
+  for (const InputParamBase* param : instance.shownParams()) {
+    line.append(" ").append(usageForm(*param));
   }
   return line;
 }
 
 void appendParameters(const TunadmCommandInstance& instance, HelpLines* lines) {
-  bool heading = false;
-  for (const InputParamBase* param : instance.params()) {
-    if (param->hidden()) continue;
-    if (!heading) lines->insert(lines->end(), {"", "PARAMETERS"});
-    heading = true;
+  const std::vector<const InputParamBase*> params = instance.shownParams();
+  if (!params.empty()) lines->insert(lines->end(), {"", "PARAMETERS"});
+  for (const InputParamBase* param : params) {
     std::string line = param->name();
     line.resize(std::max(line.size(), kKeyWidth), ' ');
     lines->push_back(line.append(param->description()));
   }
 }
 
-HelpLines commandPage(std::string_view name) {
-  const CommandEntry& command = findCommand(name);
-  const ScopedPtr<TunadmCommandInstance> instance = sample(command);
+HelpLines commandPage(const CommandEntry& command) {
+  const ScopedPtr<TunadmCommandInstance> instance = makeSample(command);
   HelpLines lines = {
       "", "NAME",  std::string(command.name) + " - " + std::string(command.description),
       "", "USAGE", usageLine(command, *instance)};
@@ -178,37 +76,76 @@ HelpLines commandPage(std::string_view name) {
   return lines;
 }
 
-HelpLines categoryPage(std::string_view name) {
-  HelpLines lines = {"tunadm help for '" + std::string(name) + "' commands:"};
-  for (const Category& category : kCategories) {
-    if (category.name != name) continue;
-    for (const std::string_view command : category.commands) {
-      if (!command.empty()) lines.push_back(summaryLine(command, findCommand(command).summary));
-    }
+HelpLines categoryPage(const Category& category) {
+  HelpLines lines = {"tunadm help for '" + std::string(category.name) + "' commands:"};
+  for (const CommandEntry* command : commandsOf(category, &CommandEntry::page_place)) {
+    lines.push_back(summaryLine(command->name, command->summary));
   }
   return lines;
 }
 
+void appendCommonCommands(const Category& category, HelpLines* lines) {
+  for (const CommandEntry* command : commandsOf(category, &CommandEntry::page_place)) {
+    if (!command->common) continue;
+    const bool differs = !command->common_summary.empty();
+    lines->push_back(
+        summaryLine(command->name, differs ? command->common_summary : command->summary));
+  }
+}
+
 HelpLines generalPage() {
   HelpLines lines = {"tunadm help for command: help", "Look up commands by category:"};
-  appendSummaries(kCategoryPointers, &lines);
+  for (const Category* category : categories()) {
+    if (category->summary.empty()) continue;
+    lines.push_back(summaryLine("help " + std::string(category->name), category->summary));
+  }
   lines.insert(lines.end(),
                {"",
                 "Try 'reference' for the complete list of all commands, or start with these common "
                 "ones:"});
-  appendSummaries(kCommonCommands, &lines);
+  for (const Category* category : categories()) appendCommonCommands(*category, &lines);
   return lines;
 }
 
-// Other words for the same topics.
-std::string_view canonicalTopic(std::string_view word) {
-  if (word == "services") return "service";
-  if (word == "show") return "list";
-  return word;
+// The category that a word after "help" leads to, or null.
+const Category* findCategory(std::string_view word) {
+  if (word.empty()) return nullptr;
+  for (const Category* category : categories()) {
+    if (category->help == HelpWords::kNone) continue;
+    if (word == category->name || word == category->synonym || word == category->help_word) {
+      return category;
+    }
+  }
+  return nullptr;
+}
+
+// The command of the category that `words` name after "help", or null.
+const CommandEntry* findCommand(const Category& category, std::span<const std::string> words) {
+  if (words.size() < 3) return nullptr;
+  // Deliberate: the plural "profiles" and further words lead to the page of the category.
+  if (category.help == HelpWords::kExact && (words.size() > 3 || words[1] != category.name)) {
+    return nullptr;
+  }
+  for (const CommandEntry* command : commandsOf(category, &CommandEntry::page_place)) {
+    for (const CommandWay& way : waysToName(*command)) {
+      if (way.second == words[2]) return command;
+    }
+  }
+  return nullptr;
+}
+
+// The command that is on no category's page and has one of its own under its first word, or null.
+const CommandEntry* findOther(std::string_view word) {
+  for (const CommandEntry& command : commands()) {
+    if (command.category == nullptr && !command.description.empty() && command.first() == word) {
+      return &command;
+    }
+  }
+  return nullptr;
 }
 
 void appendReference(const CommandEntry& command, HelpLines* lines) {
-  const ScopedPtr<TunadmCommandInstance> instance = sample(command);
+  const ScopedPtr<TunadmCommandInstance> instance = makeSample(command);
   lines->push_back(std::string("  ").append(usageLine(command, *instance)));
   std::string fields(8, ' ');
   for (const ResultParamBase* field : instance->results()) {
@@ -235,20 +172,22 @@ HelpLines usagePage() {
 }
 
 HelpLines helpPage(std::span<const std::string> words) {
-  const std::string_view first = words.size() > 1 ? canonicalTopic(words[1]) : "";
-  std::string_view second = words.size() > 2 ? std::string_view(words[2]) : "";
-  // Deliberate: only the pages of the profile commands ask for exactly three words.
-  if (first == "profile" && words.size() > 3) second = "";
-  for (const HelpTopic& topic : kTopics) {
-    if (topic.first != first || (topic.second != second && !topic.second.empty())) continue;
-    return topic.command.empty() ? categoryPage(topic.category) : commandPage(topic.command);
+  if (words.size() < 2) return generalPage();
+  if (const Category* category = findCategory(words[1]); category != nullptr) {
+    const CommandEntry* const command = findCommand(*category, words);
+    return command == nullptr ? categoryPage(*category) : commandPage(*command);
   }
-  return generalPage();
+  const CommandEntry* const command = findOther(words[1]);
+  return command == nullptr ? generalPage() : commandPage(*command);
 }
 
 HelpLines referencePage() {
   HelpLines lines = {"this is the help full reference page"};
-  for (const std::string_view name : kReferenceOrder) appendReference(findCommand(name), &lines);
+  for (const Category* category : categories()) {
+    for (const CommandEntry* command : commandsOf(*category, &CommandEntry::reference_place)) {
+      appendReference(*command, &lines);
+    }
+  }
   return lines;
 }
 

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "cli/Catalogue.h"
+#include "cli/CommandLookup.h"
 #include "core/CommandCore.h"
 #include "core/Privilege.h"
 #include "core/ProgramStatus.h"

@@ -82,6 +82,14 @@ TunadmCommandInstance::TunadmCommandInstance(std::string_view method)
   for (InputParamBase* param : params_) param->hide();
 }
 
+std::vector<const InputParamBase*> TunadmCommandInstance::shownParams() const {
+  std::vector<const InputParamBase*> shown;
+  for (const InputParamBase* param : params_) {
+    if (!param->hidden()) shown.push_back(param);
+  }
+  return shown;
+}
+
 bool TunadmCommandInstance::applyOption(std::string_view word) {
   const auto& [quiet, verbose, json, text] = kOptionWords;
   if (word == quiet || word == verbose) {

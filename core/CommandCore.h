@@ -31,6 +31,8 @@ class TunadmCommandInstance {
   virtual ~TunadmCommandInstance() = default;
 
   const ParamList& params() const { return params_; }
+  // The parameters that help lists: those that are not hidden.
+  std::vector<const InputParamBase*> shownParams() const;
   const ResultList& results() const { return results_; }
   const OutputFlags& flags() const { return flags_; }
   StatusCodeResultField& statusField() { return status_; }

@@ -41,6 +41,12 @@ InputParamBase::InputParamBase(ParamList* list, std::string_view name, Required 
   list->push_back(this);
 }
 
+std::string InputParamBase::hint() const {
+  std::string text;
+  appendHint(&text);
+  return text;
+}
+
 bool StringParam::setFromText(std::string_view text) {
   value_ = text;
   return accept();

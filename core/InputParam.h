@@ -44,6 +44,7 @@ class InputParamBase : public NamedValueBinder {
 
   // Appends what help shows as `name=<...>`; nothing for a parameter without a value.
   virtual void appendHint(std::string* text) const = 0;
+  std::string hint() const;
   virtual bool isSingleWord() const { return false; }
   virtual bool needsValue() const { return true; }
   virtual bool isSatisfied() const { return presented() || !required(); }

@@ -1,7 +1,7 @@
 // Binds words, one a line, to the command that they name, but does not carry it out.
 #include <span>
 
-#include "cli/Catalogue.h"
+#include "cli/CommandLookup.h"
 #include "cli/HelpPages.h"
 #include "core/RequestForm.h"
 #include "fuzz/Fuzz.h"

@@ -2,7 +2,6 @@
 
 #include <cstddef>
 
-#include "cli/CommandWords.h"
 #include "service/InitSystems.h"
 
 namespace tunadm {
@@ -23,26 +22,8 @@ std::vector<std::string> splitHint(std::string_view hint) {
 
 }  // namespace
 
-ScopedPtr<TunadmCommandInstance> sampleOf(const CommandEntry& command) {
-  return command.make(command.name, CommandWords());
-}
-
-std::vector<const InputParamBase*> shownParams(const TunadmCommandInstance& command) {
-  std::vector<const InputParamBase*> shown;
-  for (const InputParamBase* param : command.params()) {
-    if (!param->hidden()) shown.push_back(param);
-  }
-  return shown;
-}
-
-std::string hintOf(const InputParamBase& param) {
-  std::string hint;
-  param.appendHint(&hint);
-  return hint;
-}
-
 std::vector<std::string> valuesOf(const InputParamBase& param) {
-  const std::string hint = hintOf(param);
+  const std::string hint = param.hint();
   if (hint == "boolean") return {"true", "false"};
   if (hint == "sys-impl") {
     const std::vector<std::string_view> names = systemNames();

@@ -1,22 +1,13 @@
-// What the catalogue says about a command, for the manual page and the completions.
+// What parameters say about their values, for the manual page and the completions.
 #pragma once
 
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "cli/Catalogue.h"
-#include "core/CommandCore.h"
+#include "core/InputParam.h"
 
 namespace tunadm {
-
-// An instance to ask for the parameters and result fields of a command.
-ScopedPtr<TunadmCommandInstance> sampleOf(const CommandEntry& command);
-
-std::vector<const InputParamBase*> shownParams(const TunadmCommandInstance& command);
-
-// The word behind the name in `name=<...>`; empty for a parameter without a value.
-std::string hintOf(const InputParamBase& param);
 
 // Stands among values for the names of the host's network interfaces.
 inline constexpr std::string_view kInterfaceValues = "<interface>";

@@ -2,25 +2,29 @@
 #include <iostream>
 #include <iterator>
 
+#include "cli/Catalogue.h"
 #include "packaging/generate/CommandTexts.h"
 #include "packaging/generate/Pieces.h"
 
 namespace tunadm {
 namespace {
 
-std::string_view targetOf(const CommandRow& row, const TunadmCommandInstance& command) {
-  if (row.form != CommandForm::kTarget) return "";
-  // Always refuses the other two.
-  if (row.command->name == "profile delete") return "profile --active";
-  for (const InputParamBase* param : command.params()) {
-    if (param->name() == "profile") return "profile .current .factory --active";
+std::string targetOf(const CommandEntry& command) {
+  if (command.target == nullptr) return "";
+  switch (command.target->kind) {
+    case TargetKind::kProfile:
+      return "profile " + std::string(command.target->words);
+    case TargetKind::kNewProfile:
+      return "new";
+    case TargetKind::kRequest:
+      break;
   }
-  return "new";
+  return "";
 }
 
 std::string paramsOf(const TunadmCommandInstance& command) {
   std::vector<std::string> params;
-  for (const InputParamBase* param : shownParams(command)) {
+  for (const InputParamBase* param : command.shownParams()) {
     std::string text = param->name();
     if (param->needsValue()) text.append("=").append(joined(valuesOf(*param), ","));
     params.push_back(text);
@@ -39,15 +43,15 @@ void refuseQuotes(const std::string& line) {
 
 std::string completionTable() {
   std::vector<std::string> lines;
-  for (const CommandRow& row : commandRows()) {
-    const ScopedPtr<TunadmCommandInstance> command = sampleOf(*row.command);
-    std::string line;
-    for (const std::string_view field : {row.first, row.second, targetOf(row, *command)}) {
-      line.append(field).append("|");
+  for (const CommandEntry& command : commands()) {
+    std::string fields = targetOf(command);
+    fields.append("|").append(paramsOf(*makeSample(command))).append("|").append(command.summary);
+    for (const CommandWay& way : waysToName(command)) {
+      std::string line(way.first);
+      line.append("|").append(way.second).append("|").append(fields);
+      refuseQuotes(line);
+      lines.push_back(line);
     }
-    line.append(paramsOf(*command)).append("|").append(row.command->summary);
-    refuseQuotes(line);
-    lines.push_back(line);
   }
   return joined(lines, "\n");
 }

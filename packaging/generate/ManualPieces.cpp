@@ -2,7 +2,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <span>
 
+#include "cli/Catalogue.h"
 #include "cli/ProfileResultFields.h"
 #include "core/ProgramStatus.h"
 #include "core/StatusText.h"
@@ -50,31 +52,33 @@ std::string prose(std::string_view text) {
 
 // "Cm name Ns = Ns Ar hint", the arguments of a macro line.
 std::string paramWords(const InputParamBase& param) {
-  const std::string hint = hintOf(param);
+  const std::string hint = param.hint();
   return "Cm " + param.name() + (hint.empty() ? "" : " Ns = Ns Ar \"" + hint + "\"");
 }
 
-std::string callWords(const CommandRow& row) {
-  return std::string(row.first) + (row.second.empty() ? "" : " ") + std::string(row.second);
+std::string wayWords(const CommandWay& way) {
+  return std::string(way.first) + (way.second.empty() ? "" : " ") + std::string(way.second);
 }
 
 // The head of a command's item: its words, its target and its parameters.
-std::string itemHead(const CommandRow& row, const TunadmCommandInstance& command) {
-  std::string text = ".It Xo\n.Ic " + callWords(row) + "\n";
-  std::string target(row.command->placeholder);
-  std::erase_if(target, [](char byte) { return byte == '<' || byte == '>'; });
-  if (!target.empty()) text += ".Ar \"" + target.substr(1) + "\"\n";
-  for (const InputParamBase* param : shownParams(command)) {
+std::string itemHead(const CommandEntry& entry, const TunadmCommandInstance& command) {
+  std::string text = ".It Xo\n.Ic " + wayWords(waysToName(entry).front()) + "\n";
+  if (entry.target != nullptr) {
+    std::string target(entry.target->placeholder);
+    std::erase_if(target, [](char byte) { return byte == '<' || byte == '>'; });
+    text += ".Ar \"" + target.substr(1) + "\"\n";
+  }
+  for (const InputParamBase* param : command.shownParams()) {
     text += (param->required() ? "." : ".Op ") + paramWords(*param) + "\n";
   }
   return text + ".Xc\n";
 }
 
-std::string synonyms(const CommandRow& row) {
+std::string synonyms(const CommandEntry& entry) {
+  const std::vector<CommandWay> ways = waysToName(entry);
   std::string text;
-  for (const CommandRow& other : commandRows()) {
-    if (other.command != row.command || &other == &row) continue;
-    text += "The same as\n.Ic " + callWords(other) + " .\n";
+  for (const CommandWay& way : std::span(ways).subspan(1)) {
+    text += "The same as\n.Ic " + wayWords(way) + " .\n";
   }
   return text;
 }
@@ -83,12 +87,12 @@ std::string paramItem(const InputParamBase& param, std::string_view command) {
   std::string text = ".It " + paramWords(param) + "\n(" + std::string(param.description());
   if (param.required()) text += ", required";
   const std::vector<std::string> values = valuesOf(param);
-  if (hintOf(param) == "sys-impl") text += ", one of " + joined(values, ", ");
+  if (param.hint() == "sys-impl") text += ", one of " + joined(values, ", ");
   return text + ")\n" + prose(paramText(command, param.name()));
 }
 
 std::string paramList(const TunadmCommandInstance& command, std::string_view name) {
-  const std::vector<const InputParamBase*> params = shownParams(command);
+  const std::vector<const InputParamBase*> params = command.shownParams();
   if (params.empty()) return "";
   std::string text = ".Pp\nParameters:\n.Bl -tag -compact -width Ds\n";
   for (const InputParamBase* param : params) text += paramItem(*param, name);
@@ -138,14 +142,11 @@ void appendStatuses(std::uint32_t category, std::uint32_t module, std::string* r
 
 std::string manualCommands() {
   std::string text;
-  std::vector<const CommandEntry*> seen;
-  for (const CommandRow& row : commandRows()) {
-    if (row.command->description.empty()) continue;
-    if (std::find(seen.begin(), seen.end(), row.command) != seen.end()) continue;
-    seen.push_back(row.command);
-    const ScopedPtr<TunadmCommandInstance> command = sampleOf(*row.command);
-    text += itemHead(row, *command) + prose(row.command->description) + synonyms(row);
-    text += paramList(*command, row.command->name) + resultList(command.get());
+  for (const CommandEntry& entry : commands()) {
+    if (entry.description.empty()) continue;
+    const ScopedPtr<TunadmCommandInstance> command = makeSample(entry);
+    text += itemHead(entry, *command) + prose(entry.description) + synonyms(entry);
+    text += paramList(*command, entry.name) + resultList(command.get());
   }
   text.pop_back();
   return text;

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "cli/Catalogue.h"
 #include "cli/CatalogueParams.h"
+#include "cli/CommandLookup.h"
 #include "cli/HelpPages.h"
 #include "tests/support/Rows.h"
 
@@ -74,6 +74,7 @@ TEST(Catalogue, WaysToNameACommandAndItsHelp) {
               "internal -> tunadm help for 'internal' commands:",
               "log x -> tunadm help for 'log' commands:"},
              &helpedWith);
+  EXPECT_EQ(helpPage(std::vector<std::string>{"help", ""}), helpPage(split("help")));
 }
 
 TEST(CatalogueParams, Helmsman) {
