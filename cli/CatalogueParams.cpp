@@ -2,17 +2,34 @@
 
 #include <cstddef>
 #include <cstdlib>
+#include <iterator>
 
 #include "fundkit/LogLevel.h"
 #include "profiles/ConfigText.h"
 #include "service/InitSystems.h"
 
 namespace tunadm {
+namespace {
+
+constexpr std::string_view kOfferedLevels[] = {"info", "warn", "error", "debug", "trace"};
+
+}  // namespace
 
 bool OptionalLogLevelParam::setFromText(std::string_view text) {
   given_ = text;
   value_ = loglevel_fullname(parseLevel(text));
   return accept();
+}
+
+void OptionalLogLevelParam::appendHint(std::string* text) const {
+  for (const std::string_view level : kOfferedLevels) {
+    if (level != kOfferedLevels[0]) text->append(" | ");
+    text->append(level);
+  }
+}
+
+std::vector<std::string_view> OptionalLogLevelParam::values() const {
+  return {std::begin(kOfferedLevels), std::end(kOfferedLevels)};
 }
 
 HelmsmanParam::HelmsmanParam(ParamList* list, Required required)
@@ -35,6 +52,8 @@ bool SysImplParam::setFromText(std::string_view text) {
   value_ = text.empty() ? probeInitSystem() : text;
   return accept();
 }
+
+std::vector<std::string_view> SysImplParam::values() const { return systemNames(); }
 
 const std::string& SysImplParam::resolve() {
   if (value_.empty()) value_ = probeInitSystem();

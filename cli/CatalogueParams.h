@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "core/InputParam.h"
 
@@ -19,6 +20,9 @@ class OptionalProfileParam final : public StringParam {
   std::string_view description() const override { return "profile name"; }
 };
 
+// Stands among a parameter's values for the name of any network interface of the host.
+inline constexpr std::string_view kInterfaceValue = "<interface>";
+
 // "network": the underlay interface.
 class OptionalNetworkParam final : public StringParam {
  public:
@@ -26,6 +30,7 @@ class OptionalNetworkParam final : public StringParam {
       : StringParam(list, "network", "auto", Required::kNo) {}
 
   void appendHint(std::string* text) const override { text->append("interface | auto"); }
+  std::vector<std::string_view> values() const override { return {kInterfaceValue, "auto"}; }
   std::string_view description() const override { return "network interface"; }
 };
 
@@ -51,9 +56,8 @@ class OptionalLogLevelParam final : public InputParamBase {
   const std::string& given() const { return given_; }
 
   bool setFromText(std::string_view text) override;
-  void appendHint(std::string* text) const override {
-    text->append("info | warn | error | debug | trace");
-  }
+  void appendHint(std::string* text) const override;
+  std::vector<std::string_view> values() const override;
   std::string_view description() const override { return "log level"; }
 
  private:
@@ -92,6 +96,8 @@ class SysImplParam final : public InputParamBase {
   // An empty text stands for the init system that the host shows, if it shows one.
   bool setFromText(std::string_view text) override;
   void appendHint(std::string* text) const override { text->append("sys-impl"); }
+  std::vector<std::string_view> values() const override;
+  bool hintTellsValues() const override { return false; }
   std::string_view description() const override { return "sys impl name"; }
 
  private:

@@ -45,6 +45,11 @@ class InputParamBase : public NamedValueBinder {
   // Appends what help shows as `name=<...>`; nothing for a parameter without a value.
   virtual void appendHint(std::string* text) const = 0;
   std::string hint() const;
+
+  // The values to offer to someone who writes a command line; empty when any text may be right.
+  virtual std::vector<std::string_view> values() const { return {}; }
+  // Whether a reader of the hint knows these values.
+  virtual bool hintTellsValues() const { return true; }
   virtual bool isSingleWord() const { return false; }
   virtual bool needsValue() const { return true; }
   virtual bool isSatisfied() const { return presented() || !required(); }
@@ -115,6 +120,7 @@ class BoolParam final : public InputParamBase {
   bool setFromText(std::string_view text) override;
   bool setFromBoolean(bool truth) override;
   void appendHint(std::string* text) const override { text->append("boolean"); }
+  std::vector<std::string_view> values() const override { return {"true", "false"}; }
   std::string_view description() const override { return "boolean"; }
 
  private:

@@ -3,7 +3,7 @@
 #include <iterator>
 
 #include "cli/Catalogue.h"
-#include "packaging/generate/CommandTexts.h"
+#include "packaging/generate/Joined.h"
 #include "packaging/generate/Pieces.h"
 
 namespace tunadm {
@@ -23,13 +23,13 @@ std::string targetOf(const CommandEntry& command) {
 }
 
 std::string paramsOf(const TunadmCommandInstance& command) {
-  std::vector<std::string> params;
+  std::string params;
   for (const InputParamBase* param : command.shownParams()) {
-    std::string text = param->name();
-    if (param->needsValue()) text.append("=").append(joined(valuesOf(*param), ","));
-    params.push_back(text);
+    if (!params.empty()) params += " ";
+    params += param->name();
+    if (param->needsValue()) params.append("=").append(joined(param->values(), ","));
   }
-  return joined(params, " ");
+  return params;
 }
 
 // The table stands in single quotes, which each shell leaves in its own way.
@@ -42,7 +42,7 @@ void refuseQuotes(const std::string& line) {
 }  // namespace
 
 std::string completionTable() {
-  std::vector<std::string> lines;
+  std::string table;
   for (const CommandEntry& command : commands()) {
     std::string fields = targetOf(command);
     fields.append("|").append(paramsOf(*makeSample(command))).append("|").append(command.summary);
@@ -50,10 +50,10 @@ std::string completionTable() {
       std::string line(way.first);
       line.append("|").append(way.second).append("|").append(fields);
       refuseQuotes(line);
-      lines.push_back(line);
+      table.append(table.empty() ? "" : "\n").append(line);
     }
   }
-  return joined(lines, "\n");
+  return table;
 }
 
 std::string completionOptions() {

@@ -8,7 +8,7 @@
 #include "cli/ProfileResultFields.h"
 #include "core/ProgramStatus.h"
 #include "core/StatusText.h"
-#include "packaging/generate/CommandTexts.h"
+#include "packaging/generate/Joined.h"
 #include "packaging/generate/ManualTexts.h"
 #include "packaging/generate/Pieces.h"
 
@@ -86,8 +86,7 @@ std::string synonyms(const CommandEntry& entry) {
 std::string paramItem(const InputParamBase& param, std::string_view command) {
   std::string text = ".It " + paramWords(param) + "\n(" + std::string(param.description());
   if (param.required()) text += ", required";
-  const std::vector<std::string> values = valuesOf(param);
-  if (param.hint() == "sys-impl") text += ", one of " + joined(values, ", ");
+  if (!param.hintTellsValues()) text += ", one of " + joined(param.values(), ", ");
   return text + ")\n" + prose(paramText(command, param.name()));
 }
 
@@ -120,7 +119,7 @@ std::string resultList(TunadmCommandInstance* command) {
     if (std::string text = resultField(*field); !text.empty()) fields.push_back(text);
   }
   if (fields.empty()) return ".Pp\nNo result but the status.\n";
-  return ".Pp\nResult:\n" + joined(fields, ",\n") + "\n";
+  return ".Pp\nResult:\n" + joined({fields.begin(), fields.end()}, ",\n") + "\n";
 }
 
 // Appends a row for every number of a category and a module that has a text of its own.
@@ -173,7 +172,7 @@ std::string manualDetailKeys() {
   StringVectorValueBinder out(take);
   details.render(out);
   for (std::string& line : lines) line = ".Va " + line.substr(0, line.find('='));
-  return joined(lines, " ,\n");
+  return joined({lines.begin(), lines.end()}, " ,\n");
 }
 
 }  // namespace tunadm

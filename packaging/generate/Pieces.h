@@ -16,7 +16,7 @@ std::string manualDetailKeys();
 // A line "first|second|target|parameters|summary" for each way to call a command. `target` says
 // what the word behind the other two is: "profile" an existing one or a word that follows in the
 // field, "new" one to be named, empty no word. The parameters have blanks between them, each is
-// "name=value,value" or a bare word; kInterfaceValues may stand for a value. No line has a quote or
+// "name=value,value" or a bare word; kInterfaceValue may stand for a value. No line has a quote or
 // a backslash.
 std::string completionTable();
 
