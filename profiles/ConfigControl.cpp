@@ -114,10 +114,10 @@ Status writeInvitationCode(std::string_view dir_name, std::string_view code) {
 }
 
 Status writeLogLevel(std::string_view dir_name, std::string_view level) {
-  const std::string_view dir = trimGraphic(dir_name);
   const std::string_view value = trimGraphic(level);
-  if (dir.empty() || value.empty()) return Status(kSuccess);
-  return writeSettings(dir, kEndboxConf, {{kLogLevelKey, value}, {kOpenhipLogLevelKey, value}});
+  if (trimGraphic(dir_name).empty() || value.empty()) return Status(kSuccess);
+  return writeSettings(dir_name, kEndboxConf,
+                       {{kLogLevelKey, value}, {kOpenhipLogLevelKey, value}});
 }
 
 Status writeNewHelmsmanAddress(std::string_view dir_name, std::string_view host, int port) {

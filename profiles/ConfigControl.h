@@ -38,7 +38,8 @@ Status writeMasterInterface(std::string_view dir_name, std::string_view name);
 // Trims `code`. An empty one changes nothing; "###" removes the code from the profile.
 Status writeInvitationCode(std::string_view dir_name, std::string_view code);
 
-// Trims both. Nothing is done when one of them is empty; that is a success, too.
+// Trims `level`. Nothing is done when it is empty, or `dir_name` would be if it were trimmed; that
+// is a success, too.
 Status writeLogLevel(std::string_view dir_name, std::string_view level);
 
 // Writes the `mapconfig.static` of a new profile, with the address as its only line: without a port

@@ -30,7 +30,11 @@ Status renameProfile(std::string_view selector, const std::string& new_name) {
 }
 
 Status writeFriendlyName(const ProfileRef& profile, const std::string& new_name) {
-  return writeLines(profileFile(profile.dir_name, kNameFile), {new_name});
+  const std::string path = profileFile(profile.dir_name, kNameFile);
+  // Read again: the name may have been repaired since the profile was found.
+  std::string name;
+  if (readFirstLine(path, &name).ok() && name == new_name) return Status(kSuccess);
+  return writeLines(path, {new_name});
 }
 
 }  // namespace tunadm

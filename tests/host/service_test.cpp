@@ -270,6 +270,22 @@ TEST(Modify, ChangesOnlyWhatIsGiven) {
   }
   EXPECT_EQ(host.says("profile rename three new_name=dir=x"), "profile_name: dir=x\n");
   EXPECT_EQ(host.read("two/profile_name"), "dir=x\n");
+  host.file("two/profile_name", "dir=x\nkept\n");
+  EXPECT_EQ(host.says("profile rename dir=two new_name=dir=x"), "profile_name: dir=x\n");
+  EXPECT_EQ(host.read("two/profile_name"), "dir=x\nkept\n") << "it has that name";
+}
+
+TEST(Modify, WorksOnTheProfileThatWasSelected) {
+  ServiceHost host;
+  host.profile("caf\xc3\xa9", "coffee").profile("caf", "other").file(".factory/profile_name", "f\n");
+  EXPECT_TRUE(host.says("profile modify dir=caf\xc3\xa9 log_level=debug").ends_with("=debug\n"));
+  EXPECT_FALSE(host.exists("caf/endbox.conf"));
+  for (const char* selector : {"dir=.factory", ".factory"}) {
+    const std::string details =
+        host.says(std::string("profile modify ") + selector + " network=eth5");
+    EXPECT_TRUE(details.starts_with(selector[0] == 'd' ? "details:\nprofile_name=f\n"
+                                                       : "details:\nprofile_name=.factory\n"));
+  }
 }
 
 TEST(Modify, FailuresAndTheirOrder) {
