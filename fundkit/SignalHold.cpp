@@ -1,19 +1,39 @@
 #include "fundkit/SignalHold.h"
 
+// Failures need no look throughout: the arguments are constants, and signals whose effect cannot be
+// changed are passed over by the system.
 namespace tunadm {
+namespace {
 
-// None of these calls can fail: their arguments are constants.
+constexpr int kNotHeld[] = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGSYS, SIGABRT, SIGCHLD};
+
+// For the calling thread: how many holds live, and the mask before the first of them.
+thread_local int holds = 0;
+thread_local sigset_t outermost_mask;
+
+}  // namespace
+
 SignalHold::SignalHold() {
-  constexpr int kEndings[] = {SIGHUP, SIGINT, SIGTERM};
   sigset_t held;
-  (void)sigemptyset(&held);
-  for (const int signal : kEndings) (void)sigaddset(&held, signal);
+  (void)sigfillset(&held);
+  for (const int signal : kNotHeld) (void)sigdelset(&held, signal);
   (void)pthread_sigmask(SIG_BLOCK, &held, &before_);
+  if (holds++ == 0) outermost_mask = before_;
 }
 
-SignalHold::~SignalHold() { (void)pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+SignalHold::~SignalHold() {
+  --holds;
+  (void)pthread_sigmask(SIG_SETMASK, &before_, nullptr);
+}
 
-void releaseSignals() {
+SignalRelease::SignalRelease() {
+  (void)pthread_sigmask(SIG_SETMASK, holds > 0 ? &outermost_mask : nullptr, &before_);
+}
+
+SignalRelease::~SignalRelease() { (void)pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+
+void resetSignals() {
+  for (int number = 1; number <= SIGRTMAX; ++number) (void)std::signal(number, SIG_DFL);
   sigset_t none;
   (void)sigemptyset(&none);
   (void)pthread_sigmask(SIG_SETMASK, &none, nullptr);

@@ -29,7 +29,7 @@ void becomeProgram(const ProgramCall& call) {
   // execve does not write to the texts.
   std::transform(std::begin(call.arguments), std::end(call.arguments), vector,
                  [](const char* argument) { return const_cast<char*>(argument); });
-  releaseSignals();
+  resetSignals();
   (void)execve(call.path, vector, environ);  // returns only on failure
   endUnstartedChild();
 }
