@@ -12,18 +12,14 @@ namespace {
 constexpr mode_t kDirectoryMode = 0750;
 
 std::string prepareDirectory(const char* variable, const char* fallback) {
-  std::string directory = directoryFromEnvironment(std::getenv(variable), fallback);
-  (void)makeDirectory(directory, kDirectoryMode);  // Whoever uses it finds out.
+  const char* value = secure_getenv(variable);
+  std::string directory = value == nullptr || *value == '\0' ? fallback : value;
+  if (directory.back() != '/') directory += '/';
+  (void)makeDirectory(directory, kDirectoryMode);  // Using it shows whether it is there.
   return directory;
 }
 
 }  // namespace
-
-std::string directoryFromEnvironment(const char* value, const char* fallback) {
-  std::string directory = value == nullptr || *value == '\0' ? fallback : value;
-  if (directory.back() != '/') directory += '/';
-  return directory;
-}
 
 const std::string& temporaryDirectory() {
   static const std::string directory = prepareDirectory("VRX_TMP_DIR", "/tmp/");
