@@ -1,21 +1,55 @@
 #include "fundkit/DescriptorIo.h"
 
-#include <errno.h>
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <charconv>
 #include <csignal>
 #include <ctime>
 
-namespace tunadm {
+#include "fundkit/TimeUtils.h"
 
-ScopedFd openDescriptor(int directory, const char* path, int flags, mode_t mode) {
+namespace tunadm {
+namespace {
+
+constexpr Duration kLeaseLookInterval = 10 * kMillisecond;
+constexpr Duration kLeaseMargin = 2 * kSecond;
+constexpr std::size_t kReadChunk = 16384;
+constexpr int kUsualLeaseBreakTime = 45;  // seconds
+
+int openOnce(int directory, const char* path, int flags, mode_t mode) {
   int descriptor = -1;
   do {
     descriptor = openat(directory, path, flags | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, mode);
   } while (descriptor < 0 && errno == EINTR);
+  return descriptor;
+}
+
+// How long the kernel lets the holder of a lease keep others waiting, and a little longer.
+Duration longestLease() {
+  int seconds = kUsualLeaseBreakTime;
+  char text[16];
+  const ScopedFd file(openOnce(AT_FDCWD, "/proc/sys/fs/lease-break-time", O_RDONLY, 0));
+  const ssize_t size = readSome(file.get(), text, sizeof(text));
+  if (size > 0) (void)std::from_chars(text, text + size, seconds);  // unchanged if no number
+  return seconds * kSecond + kLeaseMargin;
+}
+
+}  // namespace
+
+ScopedFd openDescriptor(int directory, const char* path, int flags, mode_t mode) {
+  int descriptor = openOnce(directory, path, flags, mode);
+  if (descriptor >= 0 || errno != EWOULDBLOCK) return ScopedFd(descriptor);
+  // The first attempt has told the holder of the lease to let go. O_NONBLOCK, needed for FIFOs,
+  // keeps open itself from waiting for that.
+  for (const TimePoint end = monotonicTime() + longestLease(); monotonicTime() < end;) {
+    (void)poll(nullptr, 0, static_cast<int>(kLeaseLookInterval / kMillisecond));
+    descriptor = openOnce(directory, path, flags, mode);
+    if (descriptor >= 0 || errno != EWOULDBLOCK) break;
+  }
   return ScopedFd(descriptor);
 }
 
@@ -49,6 +83,16 @@ ssize_t readAt(int descriptor, off_t offset, char* buffer, std::size_t size) {
   return count;
 }
 
+bool readAll(int descriptor, std::size_t largest, std::string* text) {
+  char chunk[kReadChunk];
+  while (text->size() <= largest) {
+    const ssize_t count = readSome(descriptor, chunk, sizeof(chunk));
+    if (count <= 0) return count == 0;
+    text->append(chunk, static_cast<std::size_t>(count));
+  }
+  return false;
+}
+
 bool writeAll(int descriptor, std::string_view text) {
   while (!text.empty()) {
     const ssize_t count = write(descriptor, text.data(), text.size());
@@ -76,6 +120,14 @@ bool syncToDisk(int descriptor) {
   int result = -1;
   do {
     result = fsync(descriptor);
+  } while (result != 0 && errno == EINTR);
+  return result == 0;
+}
+
+bool syncFileSystem(int descriptor) {
+  int result = -1;
+  do {
+    result = syncfs(descriptor);
   } while (result != 0 && errno == EINTR);
   return result == 0;
 }
