@@ -1,18 +1,28 @@
 #include "fundkit/LockFile.h"
 
-#include <errno.h>
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cerrno>
+#include <cstddef>
+#include <cstdio>
+#include <cstring>
+
+#include "fundkit/BasicLog.h"
 #include "fundkit/DescriptorIo.h"
 #include "fundkit/ProgramDirectories.h"
+#include "fundkit/TimeUtils.h"
 
 namespace tunadm {
 namespace {
 
-constexpr mode_t kLockFileMode = 0666;
+constexpr Duration kQuietWait = kSecond;
+constexpr Duration kLongestPause = 20 * kMillisecond;
+constexpr std::size_t kLargestTable = std::size_t{16} << 20;
 
 bool isTrustedOwner(const struct stat& found) {
   return found.st_uid == 0 || found.st_uid == geteuid();
@@ -34,11 +44,10 @@ ScopedFd openTrustedDirectory(const std::string& directory) {
   return opened;
 }
 
-ScopedFd openLockFile(int directory, const std::string& name) {
-  // Later runs by other users must be able to open the lock file.
+ScopedFd openLockFile(int directory, const std::string& name, mode_t mode) {
+  // Later runs by other users must be able to open the lock file where `mode` lets them.
   const mode_t old_umask = umask(0);
-  ScopedFd file =
-      openDescriptor(directory, name.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW, kLockFileMode);
+  ScopedFd file = openDescriptor(directory, name.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW, mode);
   (void)umask(old_umask);  // Cannot fail.
   struct stat found {};
   if (file.valid() && (fstat(file.get(), &found) != 0 || !S_ISREG(found.st_mode))) {
@@ -47,8 +56,8 @@ ScopedFd openLockFile(int directory, const std::string& name) {
   return file;
 }
 
-LockState lockExclusively(int file, Blocking blocking) {
-  const int operation = LOCK_EX | (blocking == Blocking::kYes ? 0 : LOCK_NB);
+// `operation` as of flock(2).
+LockState lockFile(int file, int operation) {
   int result = -1;
   do {
     result = flock(file, operation);
@@ -57,24 +66,70 @@ LockState lockExclusively(int file, Blocking blocking) {
   return errno == EWOULDBLOCK ? LockState::kBusy : LockState::kUnavailable;
 }
 
+// Looks again at growing intervals for about a second: most holders are quick.
+LockState pollForLock(int file) {
+  const TimePoint end = monotonicTime() + kQuietWait;
+  Duration pause = kMillisecond;
+  LockState state = lockFile(file, LOCK_EX | LOCK_NB);
+  while (state == LockState::kBusy && monotonicTime() < end) {
+    (void)poll(nullptr, 0, static_cast<int>(pause / kMillisecond));
+    pause = std::min(2 * pause, kLongestPause);
+    state = lockFile(file, LOCK_EX | LOCK_NB);
+  }
+  return state;
+}
+
+// The process that a line of /proc/locks shows as holding a flock on the file of this inode number;
+// 0 for other lines. Such a line is "1: FLOCK  ADVISORY  WRITE 4711 08:01:5678 0 EOF"; that of one
+// who waits has "->" after its number.
+long holderInLine(const char* line, unsigned long long inode) {
+  char kind[16] = {};
+  long process = 0;
+  unsigned long long found = 0;
+  // NOLINTNEXTLINE(cert-err34-c): the kernel's numbers fit.
+  const int fields = std::sscanf(line, "%*s %15s %*s %*s %ld %*x:%*x:%llu", kind, &process, &found);
+  const bool held = fields == 3 && std::strcmp(kind, "FLOCK") == 0 && found == inode;
+  return held && process > 0 ? process : 0;
+}
+
+// 0 when it cannot be known, as for a process that cannot be seen from here.
+long lockHolder(int file) {
+  struct stat found {};
+  std::string table;
+  const ScopedFd locks = openDescriptor("/proc/locks", O_RDONLY);
+  if (fstat(file, &found) != 0 || !readAll(locks.get(), kLargestTable, &table)) return 0;
+  for (std::size_t start = 0; start < table.size(); start = table.find('\n', start) + 1) {
+    if (const long holder = holderInLine(&table[start], found.st_ino); holder != 0) return holder;
+  }
+  return 0;
+}
+
+void sayWhoIsWaitedFor(long holder) {
+  const std::string text = holder == 0
+                               ? "waiting for the lock held by another process"
+                               : "waiting for the lock held by process " + std::to_string(holder);
+  TUNADM_LOG(programLogger(), kLogWarning, "LockFile", "LockFile", text);
+}
+
 }  // namespace
 
 LockFile::LockFile(std::string_view name, Blocking blocking)
     : LockFile(lockDirectory(), name, blocking) {}
 
-LockFile::LockFile(const std::string& directory, std::string_view name, Blocking blocking)
+LockFile::LockFile(const std::string& directory, std::string_view name, Blocking blocking,
+                   mode_t mode)
     : directory_(openTrustedDirectory(directory)),
       name_(std::string(name.substr(name.find_last_of("/\\") + 1)) + ".lock") {
   if (name.empty() || !directory_.valid()) return;
-  while (!tryAcquire(blocking)) {
+  while (!tryAcquire(blocking, mode)) {
   }
 }
 
 LockFile::~LockFile() {
-  // Removed while still held: whoever waits for it sees by the path that it locked a dead file.
-  // A file that someone else has put at the path since is left alone.
+  // Removed while still held: who locks the removed file next sees by the path that it is dead. A
+  // file that another process has put at the path since is left alone.
   if (!held() || !nameLeadsToFile()) return;
-  (void)unlinkat(directory_.get(), name_.c_str(), 0);  // A left-over does no harm.
+  (void)unlinkat(directory_.get(), name_.c_str(), 0);  // A lock file left behind does no harm.
 }
 
 bool LockFile::nameLeadsToFile() const {
@@ -85,10 +140,18 @@ bool LockFile::nameLeadsToFile() const {
          named.st_ino == opened.st_ino;
 }
 
-bool LockFile::tryAcquire(Blocking blocking) {
-  file_ = openLockFile(directory_.get(), name_);
+LockState LockFile::waitForLock() {
+  const LockState state = pollForLock(file_.get());
+  if (state != LockState::kBusy) return state;
+  if (!wait_was_said_) sayWhoIsWaitedFor(lockHolder(file_.get()));
+  wait_was_said_ = true;
+  return lockFile(file_.get(), LOCK_EX);
+}
+
+bool LockFile::tryAcquire(Blocking blocking, mode_t mode) {
+  file_ = openLockFile(directory_.get(), name_, mode);
   if (!file_.valid()) return true;
-  state_ = lockExclusively(file_.get(), blocking);
+  state_ = blocking == Blocking::kYes ? waitForLock() : lockFile(file_.get(), LOCK_EX | LOCK_NB);
   if (state_ == LockState::kHeld && !nameLeadsToFile()) {
     state_ = LockState::kUnavailable;
     return false;
