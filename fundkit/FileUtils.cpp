@@ -20,9 +20,6 @@ constexpr mode_t kCopyMode = 0644;
 constexpr mode_t kLinesMode = 0640;
 constexpr mode_t kNewFileMode = 0666;
 constexpr mode_t kPermissionBits = 0777;
-constexpr std::size_t kReadChunk = 16384;
-constexpr std::size_t kLargestLine = std::size_t{1} << 20;
-constexpr std::size_t kLargestFile = std::size_t{64} << 20;
 
 Status copyFailure(StatusCode code, const std::string& path) {
   return Status(code, path, "copyFile");
@@ -82,31 +79,6 @@ bool replaceContent(int file, std::string_view text) {
     (void)(writeAll(file, old) && (old.size() == text.size() || cutFile(file, length)));
   }
   return false;
-}
-
-// Appends to `content` until it holds a byte of `stops` or the file ends. False when reading fails
-// or the content grows beyond `largest`.
-bool readUntil(int descriptor, std::string_view stops, std::size_t largest, std::string* content) {
-  char chunk[kReadChunk];
-  while (content->size() <= largest) {
-    const ssize_t count = readSome(descriptor, chunk, sizeof(chunk));
-    if (count <= 0) return count == 0;
-    const std::string_view got(chunk, static_cast<std::size_t>(count));
-    content->append(got);
-    if (got.find_first_of(stops) != got.npos) return true;
-  }
-  return false;
-}
-
-Status readRegular(const std::string& path, std::string_view stops, std::size_t largest,
-                   std::string* content) {
-  content->clear();
-  if (path.empty()) return Status(kInvalidArgument);
-  const ScopedFd file = openRegularFile(path);
-  if (!file.valid()) return Status(errno == 0 ? kReadFailed : kOpenFailed);
-  if (readUntil(file.get(), stops, largest, content)) return Status(kSuccess);
-  content->clear();
-  return Status(kReadFailed);
 }
 
 }  // namespace
@@ -228,20 +200,6 @@ bool isRealFile(const std::string& path) {
 bool isMissing(const std::string& path) {
   struct stat found {};
   return lstat(path.c_str(), &found) != 0 && errno == ENOENT;
-}
-
-Status readFile(const std::string& path, std::string* content) {
-  return readRegular(path, {}, kLargestFile, content);
-}
-
-Status readFirstLine(const std::string& path, std::string* line) {
-  constexpr std::string_view kLineEnds("\n\0", 2);
-  Status read = readRegular(path, kLineEnds, kLargestLine, line);
-  if (!read.ok()) return read;
-  line->resize(std::min(line->find_first_of(kLineEnds), line->size()));
-  if (line->size() <= kLargestLine) return read;
-  line->clear();
-  return Status(kReadFailed);
 }
 
 }  // namespace tunadm

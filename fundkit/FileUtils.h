@@ -71,9 +71,16 @@ bool isMissing(const std::string& path);        // Only when nothing at all is t
 // kReadFailed (also when it is no regular file, or larger).
 Status readFile(const std::string& path, std::string* content);
 
-// Reads what stands before the first line feed or NUL byte, or else the whole of a regular file;
-// empty for an empty file. On failure `line` is cleared. Errors: kOpenFailed, kReadFailed (also
-// when it is no regular file, or the line is longer than 1 MiB).
-Status readFirstLine(const std::string& path, std::string* line);
+enum class LineRead {
+  kRead,
+  kNothing,  // Nothing is there, or not a regular file: a directory, a FIFO, a dead link.
+  kError,    // A file that could not be read; errno tells why (EFBIG: the line exceeds 1 MiB).
+};
+
+// Reads what precedes the first line feed or NUL byte, or else the whole of a regular file; an
+// empty file has an empty line. `path` is relative to the open directory `directory`. `line` is
+// cleared unless kRead is returned. A usual file takes three system calls.
+[[nodiscard]] LineRead readFirstLine(int directory, const char* path, std::string* line);
+[[nodiscard]] LineRead readFirstLine(const std::string& path, std::string* line);
 
 }  // namespace tunadm

@@ -38,6 +38,6 @@ void tunadm::checkInput(const std::string& text) {
   require(key + name == interface, "the first interface");
   (void)parseHelmsmanAddress(text, &name, &port);  // an address is all that comes
   require(name.find_first_of(":/") == name.npos, "the host only");
-  require(readFirstLine(fileWith(text), &name).ok(), "a file has a first line");
+  require(readFirstLine(fileWith(text), &name) == LineRead::kRead, "a file has a first line");
   require(name == text.substr(0, std::min(text.find('\n'), text.find('\0'))), "it ends there");
 }

@@ -32,7 +32,7 @@ bool isUsable(const ProfileIdentity& identity) {
 ProfileIdentity lookUpCurrentProfile() {
   const std::string marker = currentMarkerPath();
   std::string dir_name;
-  if (!readFirstLine(marker, &dir_name).ok() || !mayNameProfile(dir_name)) return {};
+  if (readFirstLine(marker, &dir_name) != LineRead::kRead || !mayNameProfile(dir_name)) return {};
 
   ProfileIdentity identity;
   identity.valid = true;
@@ -80,7 +80,7 @@ bool setCurrentProfile(std::string_view dir_name) {
 
 std::string readFriendlyName(std::string_view dir_name) {
   std::string name;
-  const bool found = readFirstLine(profileFile(dir_name, kNameFile), &name).ok();
+  const bool found = readFirstLine(profileFile(dir_name, kNameFile), &name) == LineRead::kRead;
   return found ? name : std::string(dir_name);
 }
 

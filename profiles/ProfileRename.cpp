@@ -33,7 +33,7 @@ Status writeFriendlyName(const ProfileRef& profile, const std::string& new_name)
   const std::string path = profileFile(profile.dir_name, kNameFile);
   // Read again: the name may have been repaired since the profile was found.
   std::string name;
-  if (readFirstLine(path, &name).ok() && name == new_name) return Status(kSuccess);
+  if (readFirstLine(path, &name) == LineRead::kRead && name == new_name) return Status(kSuccess);
   return writeLines(path, {new_name});
 }
 

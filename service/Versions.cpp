@@ -6,10 +6,8 @@ namespace tunadm {
 
 std::string readApplicationVersion(const std::string& revision_file) {
   std::string version;
-  if (!readFirstLine(revision_file, &version).ok() && isRegularFile(revision_file)) {
-    version = kTunadmVersion;
-  }
-  return version;
+  const LineRead read = readFirstLine(revision_file, &version);
+  return read == LineRead::kError ? std::string(kTunadmVersion) : version;
 }
 
 }  // namespace tunadm
