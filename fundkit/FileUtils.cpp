@@ -1,14 +1,13 @@
 #include "fundkit/FileUtils.h"
 
-#include <errno.h>
 #include <fcntl.h>
-#include <limits.h>
-#include <stdio.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <climits>
 #include <cstddef>
-#include <string_view>
+#include <cstdio>
 
 #include "fundkit/DescriptorIo.h"
 
@@ -17,15 +16,13 @@ namespace {
 
 constexpr std::size_t kCopyChunk = 4096;
 constexpr mode_t kCopyMode = 0644;
-constexpr mode_t kLinesMode = 0640;
-constexpr mode_t kNewFileMode = 0666;
 constexpr mode_t kPermissionBits = 0777;
 
 Status copyFailure(StatusCode code, const std::string& path) {
   return Status(code, path, "copyFile");
 }
 
-// The status of a system call's result; `accepted` is the errno that means "so already".
+// The status of a system call's result; `accepted` is the errno of what is as wanted already.
 Status outcome(int result, int accepted, StatusCode failure) {
   return Status(result == 0 || errno == accepted ? kSuccess : failure);
 }
@@ -35,11 +32,10 @@ bool anythingAt(const std::string& path) {
   return lstat(path.c_str(), &found) == 0;
 }
 
-bool areSameFile(int left, int right) {
-  struct stat first {};
-  struct stat second {};
-  return fstat(left, &first) == 0 && fstat(right, &second) == 0 && first.st_dev == second.st_dev &&
-         first.st_ino == second.st_ino;
+// Empties the open destination, unless it is the source itself or has no length.
+StatusCode emptyDestination(int destination, const struct stat& found, const struct stat& source) {
+  if (found.st_dev == source.st_dev && found.st_ino == source.st_ino) return kInvalidArgument;
+  return !S_ISREG(found.st_mode) || cutFile(destination, 0) ? kSuccess : kWriteFailed;
 }
 
 StatusCode copyContent(int source, int destination, off_t size) {
@@ -54,31 +50,19 @@ StatusCode copyContent(int source, int destination, off_t size) {
   return kSuccess;
 }
 
-// For reading, too, as replaceContent wants it. A FIFO opened so would take a text that nobody
-// reads; it counts as not to be opened.
-ScopedFd openForReplacing(const std::string& path, mode_t mode) {
-  ScopedFd file = openDescriptor(path, O_RDWR | O_CREAT, mode);
-  struct stat found {};
-  if (file.valid() && (fstat(file.get(), &found) != 0 || S_ISFIFO(found.st_mode))) {
-    (void)file.close();  // Nothing was written.
-  }
-  return file;
-}
-
-// The old content is cut off only behind the new one, and comes back when that cannot be written as
-// a whole: emptied before, the file would stay empty on a full disk or after a kill. What is no
-// regular file has no length to cut.
-bool replaceContent(int file, std::string_view text) {
-  std::string old(text.size(), '\0');
-  const ssize_t length = readAt(file, 0, old.data(), old.size());
-  if (writeAll(file, text))
-    return cutFile(file, static_cast<off_t>(text.size())) || errno == EINVAL;
-  if (length >= 0 && lseek(file, 0, SEEK_SET) == 0) {
-    old.resize(static_cast<std::size_t>(length));
-    // Room for it was there before. A file that was shorter than what has been written is cut.
-    (void)(writeAll(file, old) && (old.size() == text.size() || cutFile(file, length)));
-  }
-  return false;
+// Takes from the source as many bytes as it had when its size was looked up.
+StatusCode copyOpened(int source, off_t size, ScopedFd* destination) {
+  struct stat from {};
+  struct stat to {};
+  if (fstat(source, &from) != 0) return kReadFailed;
+  if (fstat(destination->get(), &to) != 0) return kWriteFailed;
+  if (StatusCode code = emptyDestination(destination->get(), to, from); code != kSuccess)
+    return code;
+  if (StatusCode code = copyContent(source, destination->get(), size); code != kSuccess)
+    return code;
+  // The content counts whatever the mode; that of a device is not ours to change.
+  if (S_ISREG(to.st_mode)) (void)fchmod(destination->get(), kCopyMode);
+  return destination->close() == 0 ? kSuccess : kWriteFailed;
 }
 
 }  // namespace
@@ -90,16 +74,14 @@ Status copyFile(const std::string& source, const std::string& destination) {
   if (stat(source.c_str(), &found) != 0) return copyFailure(kInvalidArgument, source);
   const ScopedFd input = openDescriptor(source, O_RDONLY);
   if (!input.valid()) return copyFailure(kOpenFailed, source);
+  // Reading it would fail only after the destination has been emptied.
+  if (S_ISDIR(found.st_mode)) return copyFailure(kReadFailed, source);
+  // Not truncated by the open: nothing would be left of a file that is copied onto itself.
   ScopedFd output = openDescriptor(destination, O_WRONLY | O_CREAT, kCopyMode);
   if (!output.valid()) return copyFailure(kOpenFailed, destination);
-  // Not truncated by the open: of a file that is copied onto itself nothing would be left.
-  if (areSameFile(input.get(), output.get())) return copyFailure(kInvalidArgument, destination);
-  if (!cutFile(output.get(), 0)) return copyFailure(kWriteFailed, destination);
-  const StatusCode copied = copyContent(input.get(), output.get(), found.st_size);
-  if (copied != kSuccess) return copyFailure(copied, copied == kReadFailed ? source : destination);
-  (void)fchmod(output.get(), kCopyMode);  // The content is complete whatever the mode.
-  if (output.close() != 0) return copyFailure(kWriteFailed, destination);
-  return Status(kSuccess);
+  const StatusCode copied = copyOpened(input.get(), found.st_size, &output);
+  if (copied == kSuccess) return Status(kSuccess);
+  return copyFailure(copied, copied == kReadFailed ? source : destination);
 }
 
 Status moveFile(const std::string& source, const std::string& destination, Overwrite overwrite) {
@@ -140,28 +122,8 @@ Status changeMode(const std::string& path, mode_t mode) {
   if (path.empty()) return Status(kInvalidArgument);
   if (chmod(path.c_str(), mode) == 0) return Status(kSuccess);
   struct stat found {};
-  const bool so_already =
-      stat(path.c_str(), &found) == 0 && (found.st_mode & kPermissionBits) == mode;
-  return Status(so_already ? kSuccess : kChmodFailed);
-}
-
-Status overwriteFile(const std::string& path, std::string_view text) {
-  if (path.empty()) return Status(kInvalidArgument);
-  ScopedFd file = openForReplacing(path, kNewFileMode);
-  if (!file.valid()) return Status(kOpenFailed);
-  const bool written = replaceContent(file.get(), text);
-  return Status(written && file.close() == 0 ? kSuccess : kWriteFailed);
-}
-
-Status writeLines(const std::string& path, const std::vector<std::string>& lines) {
-  if (path.empty()) return Status(kInvalidArgument);
-  std::string text;
-  for (const std::string& line : lines) text.append(line, 0, line.find('\0')).append("\n");
-  ScopedFd file = openForReplacing(path, kLinesMode);
-  if (!file.valid()) return Status(kOpenFailed);
-  if (!replaceContent(file.get(), text)) return Status(kWriteFailed);
-  (void)fchmod(file.get(), kLinesMode);  // The content is complete whatever the mode.
-  return Status(file.close() == 0 ? kSuccess : kWriteFailed);
+  const bool equal = stat(path.c_str(), &found) == 0 && (found.st_mode & kPermissionBits) == mode;
+  return Status(equal ? kSuccess : kChmodFailed);
 }
 
 Status currentDirectory(std::string* path) {

@@ -4,89 +4,94 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cstddef>
+#include <cerrno>
+#include <cstdio>
+#include <utility>
 
 #include "fundkit/DescriptorIo.h"
-#include "fundkit/FileUtils.h"
+#include "fundkit/FileAttributes.h"
+#include "fundkit/InPlace.h"
 
 namespace tunadm {
 namespace {
 
-constexpr std::size_t kBufferSize = 65536;
 constexpr mode_t kPrivateMode = 0600;
-constexpr mode_t kModeBits = 0777;
+constexpr mode_t kPermissionBits = 0777;
 
-mode_t defaultMode() {
-  const mode_t mask = umask(0);
-  (void)umask(mask);  // Asking is possible only by setting.
-  return 0666 & ~mask;
+// The caller may not change the directory, or there is no room for a second file.
+bool mayWorkInPlace(int error) {
+  return error == EACCES || error == EPERM || error == EROFS || error == ENOSPC || error == EDQUOT;
 }
 
-// Gives the open work file the owner, group and mode that the file at `path` is to have.
-bool setAttributes(int work_file, const std::string& path) {
-  struct stat replaced {};
-  // A link gives way to a file as well protected as what it led to.
-  if (stat(path.c_str(), &replaced) != 0 || !S_ISREG(replaced.st_mode)) {
-    return fchmod(work_file, defaultMode()) == 0;
-  }
-  struct stat own {};
-  if (fstat(work_file, &own) != 0) return false;
-  const bool owned = own.st_uid == replaced.st_uid && own.st_gid == replaced.st_gid;
-  if (!owned && fchown(work_file, replaced.st_uid, replaced.st_gid) != 0) return false;
-  return fchmod(work_file, replaced.st_mode & kModeBits) == 0;  // Last: fchown clears bits.
-}
-
-void syncDirectoryOf(const std::string& path) {
-  const std::size_t slash = path.rfind('/');
-  const std::string directory = slash == path.npos ? "." : path.substr(0, slash + 1);
-  const ScopedFd opened = openDescriptor(directory, O_RDONLY | O_DIRECTORY);
-  // The file is replaced already; not every file system can do this, and none loses it for long.
-  if (opened.valid()) (void)syncToDisk(opened.get());
+// Leaves a file alone that has the bits already: an ordinary user may write `.current`, but only
+// its owner may set its mode.
+bool makeMode(int file, mode_t mode) {
+  struct stat found {};
+  if (fstat(file, &found) == 0 && (found.st_mode & kPermissionBits) == mode) return true;
+  return fchmod(file, mode) == 0;
 }
 
 }  // namespace
 
-WorkFile::WorkFile(const std::string& path) : path_(path), work_path_(path + ".temp") {
-  if (path.empty()) {
-    status_ = Status(kInvalidArgument);
-    return;
-  }
-  (void)removeFile(work_path_);  // The exclusive open tells whether it is gone.
-  // Private until the final mode is set: the content must never show to more users than then.
+WorkFile::WorkFile(std::string path, std::string_view text, std::optional<mode_t> mode)
+    : path_(std::move(path)), work_path_(path_ + ".temp"), text_(text), mode_(mode) {}
+
+WorkFile::~WorkFile() { discard(); }
+
+Status WorkFile::write(int replaced) {
+  if (unlink(work_path_.c_str()) != 0 && errno != ENOENT) return fail(kOpenFailed);
+  // Private until the final mode is set: the text must never be readable by more users than then.
   file_ = openDescriptor(work_path_, O_WRONLY | O_CREAT | O_EXCL, kPrivateMode);
-  work_exists_ = file_.valid();
-  if (!work_exists_) status_ = Status(kOpenFailed);
+  if (!file_.valid()) return fail(kOpenFailed);
+  work_exists_ = true;
+  if (!writeAll(file_.get(), text_)) return fail(kWriteFailed);
+  return Status(takeOverAttributes(file_.get(), replaced, mode_) ? kSuccess : kWriteFailed);
 }
 
-WorkFile::~WorkFile() {
-  if (work_exists_) (void)removeFile(work_path_);  // The next work file removes it again.
+Status WorkFile::flush() {
+  if (in_place_ || syncToDisk(file_.get())) return Status(kSuccess);
+  return fail(kWriteFailed);
 }
 
-void WorkFile::put(std::string_view text) {
-  buffer_.append(text);
-  if (buffer_.size() >= kBufferSize) flush();
+Status WorkFile::close() {
+  errno = file_.close();
+  return errno == 0 ? Status(kSuccess) : fail(kWriteFailed);
 }
 
-void WorkFile::flush() {
-  if (status_.ok() && !writeAll(file_.get(), buffer_)) status_ = Status(kWriteFailed);
-  buffer_.clear();
-}
-
-Status WorkFile::commit() {
-  flush();
-  if (status_.ok()) status_ = finish();
-  if (work_exists_) (void)removeFile(work_path_);  // The failure to report is the earlier one.
+Status WorkFile::move() {
+  if (in_place_) return writeInPlace();
+  if (std::rename(work_path_.c_str(), path_.c_str()) != 0) {
+    return Status(errno == EISDIR ? kOpenFailed : kRenameFailed);
+  }
   work_exists_ = false;
-  return status_;
-}
-
-Status WorkFile::finish() {
-  if (!setAttributes(file_.get(), path_) || !syncToDisk(file_.get())) return Status(kWriteFailed);
-  if (file_.close() != 0) return Status(kWriteFailed);
-  if (Status moved = moveFile(work_path_, path_, Overwrite::kYes); !moved.ok()) return moved;
-  work_exists_ = false;
-  syncDirectoryOf(path_);
   return Status(kSuccess);
+}
+
+// A failure that writing in place may get around is kept for move().
+Status WorkFile::fail(StatusCode failure) {
+  if (!mayWorkInPlace(errno)) return Status(failure);
+  discard();
+  in_place_ = true;
+  refusal_ = failure;
+  return Status(kSuccess);
+}
+
+void WorkFile::discard() {
+  (void)file_.close();                                 // Its content is not wanted.
+  if (work_exists_) (void)unlink(work_path_.c_str());  // The next work file removes it again.
+  work_exists_ = false;
+}
+
+Status WorkFile::writeInPlace() const {
+  ScopedFd file = openInPlace(path_, O_NOFOLLOW);
+  struct stat found {};
+  if (!file.valid() || fstat(file.get(), &found) != 0 || !S_ISREG(found.st_mode)) {
+    return Status(refusal_);
+  }
+  // The mode comes first: the new text must not be readable by more users than it is to be.
+  const bool written = (!mode_ || makeMode(file.get(), *mode_)) &&
+                       replaceContent(file.get(), text_, Flush::kYes) && file.close() == 0;
+  return Status(written ? kSuccess : kWriteFailed);
 }
 
 }  // namespace tunadm

@@ -1,6 +1,9 @@
-// Replacement of a file as a whole.
+// The replacement of one file, step by step; replaceFile() and its like put the steps together.
 #pragma once
 
+#include <sys/types.h>
+
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -9,39 +12,46 @@
 
 namespace tunadm {
 
-// Collects the new content of `path` in a work file, `path` + ".temp", and moves it over `path` on
-// commit. Until then, and for ever if anything fails, `path` stays as it was; the destructor
-// removes a work file that was not committed. Whatever an earlier run left at the work file's path
-// is removed first, unless it is a directory; a link there is not followed.
+// Writes the new text of `path` into a work file, `path` + ".temp", and moves it over `path`. Until
+// then, and for good if a step fails, `path` stays as it was; the destructor removes a work file
+// that was not moved. Where there can be no work file (see replaceFile), moving means writing in
+// place. The steps are to be taken in order, each only after a success of the one before.
 class WorkFile {
  public:
-  explicit WorkFile(const std::string& path);
+  // `text` must outlive the work file.
+  WorkFile(std::string path, std::string_view text, std::optional<mode_t> mode);
   ~WorkFile();
   WorkFile(const WorkFile&) = delete;
   WorkFile& operator=(const WorkFile&) = delete;
 
-  // The first failure so far: kInvalidArgument (empty path), kOpenFailed (no work file),
-  // kWriteFailed. Commit reports it too, so it need not be asked for.
-  const Status& status() const { return status_; }
+  // Writes the text and takes over the attributes of the open file `replaced`, -1 for none. What an
+  // earlier run left at the work file's path is removed first, unless it is a directory; a link
+  // there is not followed. Errors: kOpenFailed, kWriteFailed.
+  Status write(int replaced);
 
-  // Appends text. Does nothing after a failure.
-  void put(std::string_view text);
+  // Optional: makes the text survive a power cut. Error: kWriteFailed.
+  Status flush();
 
-  // Makes the content durable and moves it over the file. The new file has the owner, group and
-  // mode of the regular file that it replaces, otherwise the process's default mode. Once only.
-  // Errors: those of status(), kRenameFailed.
-  Status commit();
+  // Tells whether all has been written. Error: kWriteFailed.
+  Status close();
+
+  // Errors: kRenameFailed, kOpenFailed (a directory in its place); in place, where the text is
+  // flushed in any case, kOpenFailed and kWriteFailed.
+  Status move();
 
  private:
-  void flush();
-  Status finish();
+  Status fail(StatusCode failure);
+  void discard();
+  Status writeInPlace() const;
 
   std::string path_;
   std::string work_path_;
-  std::string buffer_;
+  std::string_view text_;
+  std::optional<mode_t> mode_;
   ScopedFd file_;
-  Status status_{kSuccess};
   bool work_exists_ = false;
+  bool in_place_ = false;
+  StatusCode refusal_ = kSuccess;  // what there was against a work file
 };
 
 }  // namespace tunadm

@@ -7,13 +7,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <functional>
 
 #include "fundkit/AsciiText.h"
 #include "fundkit/BasicLog.h"
 #include "fundkit/FileUtils.h"
 #include "fundkit/KeyValueFile.h"
-#include "fundkit/WorkFile.h"
 #include "profiles/ProfilePaths.h"
 
 namespace tunadm {
@@ -34,30 +32,10 @@ bool namesProfile(std::string_view dir_name) {
   return !dir_name.empty() && dir_name != kCurrentMarker;
 }
 
-// The text that is to be rewritten. Only a missing file counts as empty: rewriting one that cannot
-// be read would lose its lines.
-Status readForRewrite(const std::string& path, std::string* text) {
-  if (isMissing(path)) return Status(kSuccess);
-  return readFile(path, text);
-}
-
-using Change = std::function<std::string(std::string_view text)>;
-
-// Replaces the file by what `change` makes of its text.
-Status rewrite(std::string_view dir_name, std::string_view file_name, const Change& change) {
-  const std::string path = profileFile(dir_name, file_name);
-  if (path.empty()) return Status(kInvalidArgument);
-  std::string text;
-  if (Status read = readForRewrite(path, &text); !read.ok()) return read;
-  WorkFile work(path);
-  work.put(change(text));
-  return work.commit();
-}
-
 Status writeSettings(std::string_view dir_name, std::string_view file_name,
                      std::initializer_list<Setting> settings) {
-  return rewrite(dir_name, file_name,
-                 [&settings](std::string_view text) { return withSettings(text, settings); });
+  return rewriteFile(profileFile(dir_name, file_name),
+                     [&settings](std::string_view text) { return withSettings(text, settings); });
 }
 
 // Deliberate: the address is compared as it is stored, in network byte order, so that a
@@ -137,8 +115,8 @@ Status replaceHelmsmanAddress(std::string_view dir_name, std::string_view host, 
 
 Status removeLinesWithPrefix(std::string_view dir_name, std::string_view file_name,
                              std::string_view prefix) {
-  return rewrite(dir_name, file_name,
-                 [prefix](std::string_view text) { return withoutLines(text, prefix); });
+  return rewriteFile(profileFile(dir_name, file_name),
+                     [prefix](std::string_view text) { return withoutLines(text, prefix); });
 }
 
 bool read_networks(std::vector<std::string>* names) {

@@ -13,7 +13,6 @@
 #include "fundkit/FileUtils.h"
 #include "fundkit/LockFile.h"
 #include "fundkit/RemoveTree.h"
-#include "fundkit/WorkFile.h"
 #include "tests/support/TestHost.h"
 
 namespace tunadm {
@@ -125,33 +124,24 @@ TEST(LockFile, NeverTwoHolders) {
   for (std::thread& thread : threads) thread.join();
 }
 
-TEST(WorkFile, CommitAndAbandon) {
+TEST(ReplaceFile, WorkFileAndAttributes) {
   TestHost host;
   host.file("/tmp/file", "old").file("/tmp/victim", "kept").link("victim", "/tmp/file.temp");
   // Without root on the machine there is nobody to give the file to.
   const uid_t owner = chown("/tmp/file", 65534, 0) == 0 ? 65534 : geteuid();
-  ASSERT_TRUE(changeMode("/tmp/file", 0606).ok());
-  {
-    WorkFile work("/tmp/file");
-    work.put("abandoned");
-    EXPECT_EQ(host.mode("/tmp/file.temp"), 0600U);
-  }
-  EXPECT_EQ(host.read("/tmp/file") + host.read("/tmp/victim"), "oldkept");
-  EXPECT_FALSE(host.exists("/tmp/file.temp"));
-  host.file("/tmp/file.temp", "left over by an earlier run");
-  WorkFile work("/tmp/file");
-  work.put("new\0"s);
-  EXPECT_TRUE(work.commit().ok());
+  ASSERT_TRUE(changeMode("/tmp/file", 0604).ok());
+  EXPECT_TRUE(replaceFile("/tmp/file", "new\0"s).ok());
   EXPECT_EQ(host.read("/tmp/file"), "new\0"s);
+  EXPECT_EQ(host.read("/tmp/victim"), "kept");
   EXPECT_FALSE(host.exists("/tmp/file.temp"));
-  EXPECT_EQ(host.mode("/tmp/file"), 0606U);
+  EXPECT_EQ(host.mode("/tmp/file"), 0604U);
   struct stat found {};
   EXPECT_TRUE(stat("/tmp/file", &found) == 0 && found.st_uid == owner);
 
   host.block("/tmp/in-place").block("/tmp/file.temp");
-  EXPECT_EQ(WorkFile("/tmp/in-place").commit().code(), kRenameFailed);
+  EXPECT_EQ(replaceFile("/tmp/in-place", "").code(), kOpenFailed);
   EXPECT_FALSE(host.exists("/tmp/in-place.temp"));
-  EXPECT_EQ(WorkFile("/tmp/file").commit().code(), kOpenFailed);
+  EXPECT_EQ(replaceFile("/tmp/file", "").code(), kOpenFailed);
   EXPECT_EQ(host.read("/tmp/file"), "new\0"s);
 }
 

@@ -1,0 +1,15 @@
+// Owner, group, permission bits and extended attributes of a file that replaces another.
+#pragma once
+
+#include <sys/types.h>
+
+#include <optional>
+
+namespace tunadm {
+
+// Gives the open file, which the caller has just created, what replaceFile() promises: the owner,
+// group and extended attributes of the open file `replaced` (-1 for none) as far as possible, and
+// the permission bits. False when the bits cannot be set.
+[[nodiscard]] bool takeOverAttributes(int file, int replaced, std::optional<mode_t> mode);
+
+}  // namespace tunadm
