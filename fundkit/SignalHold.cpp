@@ -7,6 +7,9 @@ namespace {
 
 constexpr int kNotHeld[] = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGSYS, SIGABRT, SIGCHLD};
 
+// What a terminal stops a process with. Their default effect would leave a lock held.
+constexpr int kStopping[] = {SIGTSTP, SIGTTIN, SIGTTOU};
+
 // For the calling thread: how many holds live, and the mask before the first of them.
 thread_local int holds = 0;
 thread_local sigset_t outermost_mask;
@@ -27,7 +30,9 @@ SignalHold::~SignalHold() {
 }
 
 SignalRelease::SignalRelease() {
-  (void)pthread_sigmask(SIG_SETMASK, holds > 0 ? &outermost_mask : nullptr, &before_);
+  sigset_t released = outermost_mask;
+  for (const int signal : kStopping) (void)sigaddset(&released, signal);
+  (void)pthread_sigmask(SIG_SETMASK, holds > 0 ? &released : nullptr, &before_);
 }
 
 SignalRelease::~SignalRelease() { (void)pthread_sigmask(SIG_SETMASK, &before_, nullptr); }

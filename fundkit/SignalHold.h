@@ -20,8 +20,9 @@ class SignalHold {
   sigset_t before_;
 };
 
-// Within a SignalHold, brings the signal mask back, as long as it lives, that was in force before
-// the outermost hold: a wait for a child may be ended by a signal. Without one, changes nothing.
+// Within a SignalHold, lets through again, as long as it lives, the signals that end a process and
+// that were not held before the outermost hold: a wait for a child may be ended by them. Those that
+// stop a process (SIGTSTP, SIGTTIN, SIGTTOU) stay held. Without a hold, changes nothing.
 class SignalRelease {
  public:
   SignalRelease();

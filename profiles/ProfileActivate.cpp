@@ -14,7 +14,9 @@ namespace {
 // Deliberate: the service is stopped first whatever the daemon's state seems to be, and the marker
 // moves also when that fails.
 Status switchTo(const ProfileRef& profile, ServiceRestart* service) {
+  if (!isMarkerName(profile.dir_name)) return Status(kApplicationError);
   Status stopped = service->stop();
+  if (!service->startIsDue()) return stopped;
   const bool made_current = setCurrentProfile(profile.dir_name);
   if (!stopped.ok()) return stopped;
   return Status(made_current ? kSuccess : kApplicationError);

@@ -110,7 +110,10 @@ Status fillProfile(const CreateRequest& request, const ProfileRef& profile) {
 Status fillAndActivate(const CreateRequest& request, const ProfileRef& profile,
                        ServiceRestart* service) {
   StoreView store;
-  if (store.daemon() != TriState::kNo) (void)service->stop();  // the start tells how it went
+  if (store.daemon() != TriState::kNo) {
+    Status stopped = service->stop();  // whose failure does not matter: the start tells how it went
+    if (!service->startIsDue()) return stopped;
+  }
   if (Status filled = fillProfile(request, profile); !filled.ok()) return filled;
   service->requestStart();
   return Status(setCurrentProfile(profile.dir_name) ? kSuccess : kApplicationError);

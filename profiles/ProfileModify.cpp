@@ -86,6 +86,7 @@ Status applyAroundRestart(const ModifyRequest& request, bool daemon_up, ServiceR
                           ProfileRef* profile) {
   Status stopped(kSuccess);
   if (daemon_up) stopped = service->stop();
+  if (daemon_up && !service->startIsDue()) return stopped;
   const Daemon daemon = daemon_up && stopped.ok() ? Daemon::kStopped : Daemon::kMayRun;
   Status changed = applyChanges(request, daemon, profile);
   service->requestStart();

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <iterator>
 
 #include "core/ProgramStatus.h"
@@ -29,25 +30,30 @@ void becomeProgram(const ProgramCall& call) {
   // execve does not write to the texts.
   std::transform(std::begin(call.arguments), std::end(call.arguments), vector,
                  [](const char* argument) { return const_cast<char*>(argument); });
-  resetSignals();
+  sigset_t none;
+  (void)sigemptyset(&none);
+  (void)pthread_sigmask(SIG_SETMASK, &none, nullptr);
   (void)execve(call.path, vector, environ);  // returns only on failure
   endUnstartedChild();
 }
 
 void endUnstartedChild() { _exit(kUnstarted); }
 
-Status runChild(const std::function<void()>& body) {
+pid_t forkChild(const std::function<void()>& body) {
   const pid_t child = fork();
-  if (child < 0) return Status(kForkFailed);
-  if (child == 0) {
-    body();
-    endUnstartedChild();
-  }
-  return awaitChild(child);
+  if (child != 0) return child;
+  body();
+  endUnstartedChild();
+}
+
+Status runChild(const std::function<void()>& body) {
+  const pid_t child = forkChild(body);
+  return child < 0 ? Status(kForkFailed) : awaitChild(child);
 }
 
 int waitForChild(pid_t child) {
   if (child == 0) return kNoChild;
+  const SignalRelease release;
   int wait_status = 0;
   pid_t ended = -1;
   do {
@@ -63,5 +69,7 @@ Status awaitChild(pid_t child) {
   if (outcome >= kSignalBase && outcome < kWaitFailed) return Status(kChildSignalled);
   return Status(kWaitpidFailed);
 }
+
+bool hasEnded(pid_t child) { return waitpid(child, nullptr, WNOHANG) != 0; }
 
 }  // namespace tunadm

@@ -28,8 +28,11 @@ struct ProgramCall {
 [[noreturn]] void endUnstartedChild();
 
 // Runs `body` in a child process, which is to become another program there; a body that returns
-// ends the child as above. Waits for the end of the child, whose output goes where this process's
-// own goes. Fails with kForkFailed or as awaitChild.
+// ends the child as above. The child's output goes where this process's own goes. Returns its
+// process ID, or -1 when the system refuses one.
+[[nodiscard]] pid_t forkChild(const std::function<void()>& body);
+
+// The same, and waits for the end of the child. Fails with kForkFailed or as awaitChild.
 Status runChild(const std::function<void()>& body);
 
 // The outcomes of a child: an exit status or a signal number is added to the first two.
@@ -38,12 +41,16 @@ inline constexpr int kSignalBase = 2000;
 inline constexpr int kWaitFailed = 3001;
 inline constexpr int kNoChild = 3002;
 
-// Waits until `child` has ended and returns its outcome; kNoChild for 0, kWaitFailed when it cannot
+// Waits until `child` has ended and returns its outcome; signals that end this process do so while
+// it waits. kNoChild for 0, kWaitFailed when it cannot
 // be waited for (waitpid(2)).
 [[nodiscard]] int waitForChild(pid_t child);
 
 // Waits in the same way and returns the outcome as a status: kSuccess after exit status 0, else
 // kChildExitedNonzero, kChildSignalled or kWaitpidFailed.
 Status awaitChild(pid_t child);
+
+// True when `child` has ended already, or is not a child; it cannot be waited for any more then.
+[[nodiscard]] bool hasEnded(pid_t child);
 
 }  // namespace tunadm

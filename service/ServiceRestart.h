@@ -1,17 +1,19 @@
 // A stop of the service and the start that belongs to it, with a change between the two.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include "core/Status.h"
 #include "service/ServiceControl.h"
+#include "service/StartKeeper.h"
 
 namespace tunadm {
 
 // Use: stop() if the service must not run during the change, make the change, then finish(), which
-// starts the service if it was stopped or a start was asked for. No failure of the change leaves
-// the service stopped.
+// starts the service if it was stopped or a start was asked for. Neither a failure of the change
+// nor the end of this process leaves the service stopped: a StartKeeper starts it then.
 class ServiceRestart {
  public:
   // `system` and `check` as for startService.
@@ -19,11 +21,13 @@ class ServiceRestart {
   ServiceRestart(const ServiceRestart&) = delete;
   ServiceRestart& operator=(const ServiceRestart&) = delete;
 
-  // Stops the service, and makes a start due whatever comes of it. Fails as stopService.
+  // Stops the service, and makes a start due even if the stop fails as stopService does. Without a
+  // keeper nothing is stopped: kForkFailed, or kAuthRequired, and no start is due.
   Status stop();
 
   // Makes a start due.
   void requestStart() { start_is_due_ = true; }
+  [[nodiscard]] bool startIsDue() const { return start_is_due_; }
 
   // Starts the service if a start is due. Returns `changed`, the outcome of the change, if that is
   // a failure, else the outcome of the start.
@@ -33,6 +37,7 @@ class ServiceRestart {
   std::string system_;
   RootCheck check_;
   bool start_is_due_ = false;
+  std::optional<StartKeeper> keeper_;  // there is one while the service may be stopped
 };
 
 }  // namespace tunadm

@@ -1,0 +1,59 @@
+#include "service/StartKeeper.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "fundkit/DescriptorIo.h"
+#include "fundkit/SignalHold.h"
+#include "service/ChildProcess.h"
+#include "service/InitSystems.h"
+
+namespace tunadm {
+namespace {
+
+constexpr int kPipe = STDERR_FILENO + 1;
+
+// Lets go of everything that was inherited but the standard descriptors and the pipe: the lock file
+// above all, which would stay locked.
+void closeAllBut(int pipe_end) {
+  (void)dup2(pipe_end, kPipe);  // both are open
+  if (close_range(kPipe + 1, ~0U, 0) == 0) return;
+  // Kernels before 5.9 do not know the call.
+  for (long descriptor = sysconf(_SC_OPEN_MAX); descriptor > kPipe; --descriptor) {
+    (void)close(static_cast<int>(descriptor));
+  }
+}
+
+// Becomes the init system's command in the end.
+void keep(int pipe_end) {
+  (void)setsid();  // a new child leads no group, so this succeeds
+  resetSignals();
+  closeAllBut(pipe_end);
+  char told = 0;
+  (void)readSome(kPipe, &told, 1);  // a byte, or the end of the pipe: both mean the same
+  (void)close(kPipe);
+  currentSystem().start();
+}
+
+}  // namespace
+
+StartKeeper::StartKeeper() {
+  int ends[2] = {-1, -1};
+  if (pipe2(ends, O_CLOEXEC) != 0) return;
+  waiting_end_ = ScopedFd(ends[0]);
+  telling_end_ = ScopedFd(ends[1]);
+  keeper_ = forkChild([this] { keep(waiting_end_.get()); });
+}
+
+void StartKeeper::outlastThisChild() const { (void)fcntl(telling_end_.get(), F_SETFD, 0); }
+
+Status StartKeeper::start() {
+  if (hasEnded(keeper_)) return runChild([] { currentSystem().start(); });
+  (void)writeAll(telling_end_.get(), "!");  // one byte fits into an empty pipe
+  (void)telling_end_.close();
+  return awaitChild(keeper_);
+}
+
+}  // namespace tunadm
