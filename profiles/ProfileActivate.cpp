@@ -1,7 +1,6 @@
 #include "profiles/ProfileActivate.h"
 
 #include "core/ProgramStatus.h"
-#include "fundkit/SignalHold.h"
 #include "profiles/CurrentProfile.h"
 #include "profiles/ProfileLock.h"
 #include "profiles/ProfileSelector.h"
@@ -23,6 +22,7 @@ Status switchTo(const ProfileRef& profile, ServiceRestart* service) {
 }
 
 Status makeCurrent(std::string_view selector, ServiceRestart* service, std::string* profile_name) {
+  const ProfileLock lock;
   StoreView store;
   ProfileRef profile;
   Status found = resolveSelector(selector, &store, &profile);
@@ -39,8 +39,6 @@ Status makeCurrent(std::string_view selector, ServiceRestart* service, std::stri
 Status activateProfile(std::string_view selector, std::string_view system,
                        std::string* profile_name) {
   if (selector.empty()) return Status(kInvalidArgument);
-  const ProfileLock lock;
-  const SignalHold hold;  // a signal handled here would leave the service stopped
   ServiceRestart service(system, RootCheck::kNo);
   return service.finish(makeCurrent(selector, &service, profile_name));
 }

@@ -8,7 +8,6 @@
 #include "fundkit/AsciiText.h"
 #include "fundkit/DirectoryListing.h"
 #include "fundkit/FileUtils.h"
-#include "fundkit/SignalHold.h"
 #include "profiles/ConfigControl.h"
 #include "profiles/CurrentProfile.h"
 #include "profiles/LineBreaks.h"
@@ -120,6 +119,7 @@ Status fillAndActivate(const CreateRequest& request, const ProfileRef& profile,
 }
 
 Status makeProfile(const CreateRequest& request, ServiceRestart* service, ProfileRef* created) {
+  const ProfileLock lock;
   if (Status begun = beginProfile(request, created); !begun.ok()) return begun;
   return request.activate ? fillAndActivate(request, *created, service)
                           : fillProfile(request, *created);
@@ -130,8 +130,6 @@ Status makeProfile(const CreateRequest& request, ServiceRestart* service, Profil
 Status createProfile(const CreateRequest& request, ProfileRef* created) {
   if (!isPrivileged()) return Status(kAuthRequired);
   if (Status checked = checkValues(request); !checked.ok()) return checked;
-  const ProfileLock lock;
-  const SignalHold hold;  // a signal handled here would leave the service stopped
   ServiceRestart service(request.system, RootCheck::kYes);
   return service.finish(makeProfile(request, &service, created));
 }

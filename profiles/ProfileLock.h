@@ -3,10 +3,14 @@
 
 namespace tunadm {
 
-// Waits for the lock and holds it until destruction. One that is made while this process holds the
-// lock already does nothing, so operations that need it can call each other. When the lock file
-// cannot be had (a caller who is not root, a lock directory that somebody else prepared), a warning
-// is logged and the command goes on without it: a local user must not be able to stop root.
+// Waits for the lock and holds it until destruction; meanwhile signals from outside are held, too
+// (SignalHold), so that none ends a change halfway. One that is made while this process holds the
+// lock already does nothing, so operations that need it can call each other.
+//
+// Only a privileged process takes the lock file, in the lock directory. Where that directory is not
+// to be trusted, it locks a file in the installation root instead and says so in the log: a local
+// user can neither stop root nor switch root's locking off. An ordinary user, who could not make a
+// lock that root may trust, goes on without one.
 class ProfileLock {
  public:
   ProfileLock();
@@ -14,7 +18,7 @@ class ProfileLock {
   ProfileLock& operator=(const ProfileLock&) = delete;
   ~ProfileLock();
 
-  // True while one exists in this process, also when it goes on without the lock file.
+  // True while one exists in this process.
   [[nodiscard]] static bool isHeld();
 };
 

@@ -2,7 +2,6 @@
 
 #include "core/Privilege.h"
 #include "fundkit/AsciiText.h"
-#include "fundkit/SignalHold.h"
 #include "json/AsciiCase.h"
 #include "profiles/ConfigControl.h"
 #include "profiles/LineBreaks.h"
@@ -81,7 +80,7 @@ Status applyChanges(const ModifyRequest& request, Daemon daemon, ProfileRef* pro
   return status;
 }
 
-// The start comes last and in any case: no failure leaves the service stopped.
+// A start is due in any case: no failure leaves the service stopped.
 Status applyAroundRestart(const ModifyRequest& request, bool daemon_up, ServiceRestart* service,
                           ProfileRef* profile) {
   Status stopped(kSuccess);
@@ -104,6 +103,7 @@ Status checkRequest(const ModifyRequest& request, StoreView* store) {
 
 Status modify(std::string_view selector, const ModifyRequest& request, ServiceRestart* service,
               ProfileRef* profile) {
+  const ProfileLock lock;
   StoreView store;
   if (Status found = resolveSelector(selector, &store, profile); !found.ok()) return found;
   if (Status checked = checkRequest(request, &store); !checked.ok()) return checked;
@@ -126,8 +126,6 @@ Status refuseOrdinaryUser(std::string_view selector) {
 
 Status modifyProfile(std::string_view selector, const ModifyRequest& request, ProfileRef* profile) {
   if (!isPrivileged()) return refuseOrdinaryUser(selector);
-  const ProfileLock lock;
-  const SignalHold hold;  // a signal handled here would leave the service stopped
   ServiceRestart service(request.system, RootCheck::kYes);
   return service.finish(modify(selector, request, &service, profile));
 }

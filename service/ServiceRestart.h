@@ -30,7 +30,8 @@ class ServiceRestart {
   [[nodiscard]] bool startIsDue() const { return start_is_due_; }
 
   // Starts the service if a start is due. Returns `changed`, the outcome of the change, if that is
-  // a failure, else the outcome of the start.
+  // a failure, else the outcome of the start. The caller holds no lock that a start script of the
+  // host might wait for.
   Status finish(Status changed);
 
  private:

@@ -62,8 +62,10 @@ void killSome(const TestHost& host, unsigned seed, time_t deadline) {
 TEST(Concurrency, NothingIsLostOrNamedTwice) {
   TestHost host;
   host.factory().file("/opt/vrx/.systemctl", "").file("/tmp/lock/kept", "");
-  // Runs while the lock is held: two at once show that two hold it.
-  host.file("/bin/systemctl", "#!/bin/sh\nmkdir /tmp/held || : >/tmp/held-twice\nrmdir /tmp/held\n",
+  // A stop is made while the lock is held: two at once show that two hold it.
+  host.file("/bin/systemctl",
+            "#!/bin/sh\n[ $1 = stop ] || exit 0\n"
+            "mkdir /tmp/held || : >/tmp/held-twice\nrmdir /tmp/held\n",
             0755);
   const time_t deadline = time(nullptr) + kSeconds;
   std::vector<pid_t> workers;

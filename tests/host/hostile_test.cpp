@@ -111,8 +111,10 @@ TEST(Hostile, TrapsAtPathsThatOthersWriteTo) {
         const Outcome outcome = run(host, "", line);
         EXPECT_EQ(outcome.exit, 0);
         if (path == "/tmp/lock" && line == kCommands[0]) {
-          EXPECT_EQ(outcome.err,
-                    "W~ tunadm ProfileLock.cpp ProfileLock: going on without the profile lock\n");
+          EXPECT_EQ(
+              outcome.err,
+              "W~ tunadm ProfileLock.cpp ProfileLock: the lock directory is not to be trusted; "
+              "locking a file in /opt/vrx instead\n");
         }
         if (line == kCommands[1] && name != "directory"sv) {
           EXPECT_EQ(host.read(".current"), "two\n");

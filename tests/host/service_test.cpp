@@ -1,5 +1,6 @@
 // The service and the changes of a profile that go with it, with stand-ins for the init systems.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <ctime>
 #include <future>
@@ -7,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "core/Privilege.h"
 #include "profiles/ProfileLock.h"
 #include "service/ServiceStatus.h"
 #include "tests/support/TestHost.h"
@@ -58,6 +60,14 @@ struct ServiceHost : TestHost {
   // The calls of the stand-ins: a line "<path> <argument 0> <argument 1> ..." for each.
   std::string calls() const { return read("/tmp/calls"); }
 };
+
+// How many processes wait for a lock.
+std::size_t waiting(const TestHost& host) {
+  const std::string locks = host.read("/proc/locks");
+  std::size_t count = 0;
+  for (std::size_t at = locks.find("->"); at != locks.npos; at = locks.find("->", at + 1)) ++count;
+  return count;
+}
 
 TEST(Service, EachInitSystemIsCalledInItsOwnWay) {
   const std::string systemd = kStart + kStop + "/bin/systemctl systemctl restart quenlay\n";
@@ -277,7 +287,9 @@ TEST(Modify, ChangesOnlyWhatIsGiven) {
 
 TEST(Modify, WorksOnTheProfileThatWasSelected) {
   ServiceHost host;
-  host.profile("caf\xc3\xa9", "coffee").profile("caf", "other").file(".factory/profile_name", "f\n");
+  host.profile("caf\xc3\xa9", "coffee")
+      .profile("caf", "other")
+      .file(".factory/profile_name", "f\n");
   EXPECT_TRUE(host.says("profile modify dir=caf\xc3\xa9 log_level=debug").ends_with("=debug\n"));
   EXPECT_FALSE(host.exists("caf/endbox.conf"));
   for (const char* selector : {"dir=.factory", ".factory"}) {
@@ -342,20 +354,28 @@ TEST(Reset, RemovesStateFiles) {
 }
 
 TEST(Concurrency, ChangesWaitForTheLock) {
-  for (const char* words :
-       {"profile create x helmsman=h", "profile activate two", "profile delete two",
-        "profile rename two new_name=x", "profile modify two network=x", "support reset two"}) {
-    ServiceHost host;
-    host.file("/tmp/lock/keep", "");  // this process makes the directory only once
-    std::future<std::string> said;
-    {
-      const ProfileLock lock;
-      said = std::async(std::launch::async, [&] { return host.says(words); });
-      const long deadline = time(nullptr) + 10;
-      while (host.read("/proc/locks").find("->") == std::string::npos)
-        ASSERT_LT(time(nullptr), deadline) << words << " does not wait";
-    }
-    EXPECT_EQ(said.get().find("status_code"), std::string::npos);
+  setPrivilegeMode(PrivilegeMode::kAlways);  // this process, too, is to take the lock
+  ServiceHost host;
+  host.profile("three", "three").profile("four", "four").profile("five", "five");
+  host.file("/tmp/lock/keep", "");  // this process makes the directory only once
+  std::vector<std::future<Outcome>> runs;
+  {
+    const ProfileLock lock;
+    for (const char* words : {"create x helmsman=h", "activate two", "delete three",
+                              "rename four new_name=y", "modify five network=x"})
+      runs.push_back(std::async(std::launch::async, [&host, words] {
+        return host.run(std::string("/usr/sbin/tunadm profile ") + words);
+      }));
+    runs.push_back(std::async(std::launch::async,
+                              [&host] { return host.run("/usr/sbin/tunadm support reset one"); }));
+    const long deadline = time(nullptr) + 10;
+    while (waiting(host) < runs.size()) ASSERT_LT(time(nullptr), deadline) << waiting(host);
+  }
+  const std::string said = "waiting for the lock held by process " + std::to_string(getpid());
+  for (std::future<Outcome>& run : runs) {
+    const Outcome outcome = run.get();
+    EXPECT_EQ(outcome.out.find("status_code"), std::string::npos) << outcome.out;
+    EXPECT_TRUE(outcome.err.ends_with(said + "\n")) << outcome.err;
   }
 }
 
