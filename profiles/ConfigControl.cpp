@@ -102,13 +102,13 @@ Status writeNewHelmsmanAddress(std::string_view dir_name, std::string_view host,
   std::string line(kMapUriKey);
   if (!host.empty()) line.append(kScheme).append(host);
   if (!host.empty() && isPort(port)) line.append(":").append(std::to_string(port));
-  return writeLines(profileFile(dir_name, kMapConfig), {line});
+  return replaceFile(profileFile(dir_name, kMapConfig), line + "\n", kPrivateFileMode);
 }
 
 Status replaceHelmsmanAddress(std::string_view dir_name, std::string_view host, int port) {
   std::string line(kMapUriKey);
   line.append(kScheme).append(host).append(":").append(std::to_string(port)).append("\n");
-  Status written = overwriteFile(profileFile(dir_name, kMapConfig), line);
+  Status written = replaceFile(profileFile(dir_name, kMapConfig), line);
   if (written.code() == kOpenFailed) written.setCode(kApplicationError);
   return written;
 }

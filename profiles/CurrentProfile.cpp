@@ -9,6 +9,8 @@
 namespace tunadm {
 namespace {
 
+constexpr mode_t kMarkerMode = 0666;
+
 bool mayNameProfile(const std::string& dir_name) {
   if (!isDirName(dir_name)) return false;
   const std::string path = profileDirectory(dir_name);
@@ -71,11 +73,7 @@ bool isMarkerName(std::string_view dir_name) {
 
 bool setCurrentProfile(std::string_view dir_name) {
   if (!isMarkerName(dir_name)) return false;
-  const std::string marker = currentMarkerPath();
-  // The marker is a file by rule. A link would lead the write and the open mode to another file,
-  // and a FIFO or a device would keep no name.
-  if (!isRealFile(marker) && !removeFile(marker).ok()) return false;
-  return writeLines(marker, {std::string(dir_name)}).ok() && changeMode(marker, 0666).ok();
+  return replaceFile(currentMarkerPath(), std::string(dir_name).append("\n"), kMarkerMode).ok();
 }
 
 std::string readFriendlyName(std::string_view dir_name) {

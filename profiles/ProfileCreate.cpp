@@ -97,12 +97,16 @@ Status fillProfile(const CreateRequest& request, const ProfileRef& profile) {
   const std::string factory = factoryDirectory();
   const std::string directory = profileDirectory(profile.dir_name);
   if (Status copied = copyFiles(factory, directory); !copied.ok()) return copied;
-  Status named = writeLines(profileFile(profile.dir_name, kNameFile), {profile.profile_name});
+  Status named = replaceFile(profileFile(profile.dir_name, kNameFile), profile.profile_name + "\n",
+                             kPrivateFileMode);
   if (!named.ok()) return named;
   copyCertificates(factory, directory);
   Status addressed =
       writeNewHelmsmanAddress(profile.dir_name, request.helmsman_host, request.helmsman_port);
-  return addressed.ok() ? writeSettings(request, profile.dir_name) : addressed;
+  if (!addressed.ok()) return addressed;
+  if (Status written = writeSettings(request, profile.dir_name); !written.ok()) return written;
+  if (Status flushed = flushTree(directory); !flushed.ok()) return flushed;
+  return flushDirectory(std::string(kProfilesRoot));
 }
 
 // A profile that is not whole is not run: only a service that was stopped is started then.

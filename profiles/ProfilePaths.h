@@ -1,6 +1,8 @@
 // Where things lie in the profile store. Nothing here touches the disk.
 #pragma once
 
+#include <sys/types.h>
+
 #include <string>
 #include <string_view>
 
@@ -26,6 +28,9 @@ inline constexpr std::string_view kDeviceId = "device_id";
 inline constexpr std::string_view kStatusFile = "hipvars.txt";
 inline constexpr std::string_view kLogFile = "hip.log";
 inline constexpr std::string_view kRevisionFile = "firmware_revision";
+
+// The mode of a file with a friendly name, and of a new profile's Helmsman address.
+inline constexpr mode_t kPrivateFileMode = 0640;
 
 // True for a name that is one path component: not empty, no "/", neither "." nor "..".
 [[nodiscard]] bool isDirName(std::string_view name);

@@ -34,7 +34,7 @@ Status writeFriendlyName(const ProfileRef& profile, const std::string& new_name)
   // Read again: the name may have been repaired since the profile was found.
   std::string name;
   if (readFirstLine(path, &name) == LineRead::kRead && name == new_name) return Status(kSuccess);
-  return writeLines(path, {new_name});
+  return replaceFile(path, new_name + "\n", kPrivateFileMode);
 }
 
 }  // namespace tunadm

@@ -1,25 +1,20 @@
 #include "profiles/StoreScan.h"
 
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/types.h>
+
 #include <algorithm>
 #include <iterator>
 #include <utility>
 
-#include "fundkit/DirectoryListing.h"
+#include "fundkit/DescriptorIo.h"
+#include "fundkit/DirectoryStream.h"
 #include "fundkit/FileUtils.h"
 #include "profiles/ProfilePaths.h"
 
 namespace tunadm {
 namespace {
-
-std::string readName(const std::string& dir_name) {
-  std::string name;
-  (void)readFirstLine(profileFile(dir_name, kNameFile), &name);  // leaves it empty then
-  return name;
-}
-
-bool writeName(const ProfileRef& profile) {
-  return writeLines(profileFile(profile.dir_name, kNameFile), {profile.profile_name}).ok();
-}
 
 bool byName(const ProfileRef& left, const ProfileRef& right) {
   return left.profile_name < right.profile_name;
@@ -30,16 +25,24 @@ bool byName(const ProfileRef& left, const ProfileRef& right) {
 bool StoreScan::read() {
   profiles_.clear();
   others_.clear();
-  DirectoryListing listing = listDirectory(std::string(kProfilesRoot));
-  if (!listing.status.ok()) return false;
-  for (std::string& dir_name : listing.subdirectories) {
-    if (dir_name.front() == '.') continue;
-    std::string name = readName(dir_name);
-    profiles_.push_back({std::move(dir_name), std::move(name)});
+  DirectoryStream store(openDescriptor(std::string(kProfilesRoot), O_RDONLY | O_DIRECTORY));
+  if (!store.valid()) return false;
+  while (const dirent* entry = store.next()) {
+    std::string name = entry->d_name;
+    if (name.front() == '.' || store.kindOf(*entry) != DT_DIR) {
+      others_.push_back(std::move(name));
+    } else {
+      profiles_.push_back({std::move(name), ""});
+    }
   }
-  for (auto* names :
-       {&listing.files, &listing.file_links, &listing.directory_links, &listing.others}) {
-    std::move(names->begin(), names->end(), std::back_inserter(others_));
+  return !store.failed() && readNames(store.descriptor());
+}
+
+bool StoreScan::readNames(int store) {
+  std::string path;
+  for (ProfileRef& profile : profiles_) {
+    path.assign(profile.dir_name).append("/").append(kNameFile);
+    if (readFirstLine(store, path.c_str(), &profile.profile_name) == LineRead::kError) return false;
   }
   return true;
 }
@@ -66,12 +69,14 @@ bool StoreScan::repair() {
   }
   for (ProfileRef* profile : unnamed) profile->profile_name = kDefaultName;
   duplicates.insert(duplicates.end(), unnamed.begin(), unnamed.end());
+  std::vector<FileContent> files;
   for (ProfileRef* profile : duplicates) {
-    profile->profile_name = taken.uniqueName(profile->profile_name);
-    if (!writeName(*profile)) return false;
-    taken.add(profile->profile_name);
+    std::string& name = profile->profile_name;
+    name = taken.uniqueName(name);
+    taken.add(name);
+    files.push_back({profileFile(profile->dir_name, kNameFile), name + "\n", kPrivateFileMode});
   }
-  return true;
+  return replaceFiles(files).ok();
 }
 
 std::unordered_set<std::string_view> StoreScan::entryNames() const {

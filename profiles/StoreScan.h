@@ -15,7 +15,8 @@ namespace tunadm {
 // profiles, and neither are symbolic links.
 class StoreScan {
  public:
-  // Reads the directory and the names afresh. False when the directory cannot be listed.
+  // Reads the directory and the names afresh. False when the directory cannot be listed, or a name
+  // that is there cannot be read: it must not be taken for none, and be replaced.
   [[nodiscard]] bool read();
 
   // True when every profile has a friendly name that no other has.
@@ -36,6 +37,8 @@ class StoreScan {
   ProfileList takeSorted();
 
  private:
+  [[nodiscard]] bool readNames(int store);
+
   // In the order of the directory. The name is empty where there is none.
   ProfileList profiles_;
   std::vector<std::string> others_;  // entries that are not profiles
