@@ -15,8 +15,8 @@ namespace {
 
 constexpr int kPipe = STDERR_FILENO + 1;
 
-// Lets go of everything that was inherited but the standard descriptors and the pipe: the lock file
-// above all, which would stay locked.
+// Lets go of everything that was inherited except the standard descriptors and the pipe: above all
+// of the lock file, which would stay locked.
 void closeAllBut(int pipe_end) {
   (void)dup2(pipe_end, kPipe);  // both are open
   if (close_range(kPipe + 1, ~0U, 0) == 0) return;
@@ -31,8 +31,8 @@ void keep(int pipe_end) {
   (void)setsid();  // a new child leads no group, so this succeeds
   resetSignals();
   closeAllBut(pipe_end);
-  char told = 0;
-  (void)readSome(kPipe, &told, 1);  // a byte, or the end of the pipe: both mean the same
+  char nothing = 0;
+  (void)readSome(kPipe, &nothing, 1);  // returns when the pipe has no other end any more
   (void)close(kPipe);
   currentSystem().start();
 }
@@ -42,17 +42,16 @@ void keep(int pipe_end) {
 StartKeeper::StartKeeper() {
   int ends[2] = {-1, -1};
   if (pipe2(ends, O_CLOEXEC) != 0) return;
-  waiting_end_ = ScopedFd(ends[0]);
-  telling_end_ = ScopedFd(ends[1]);
-  keeper_ = forkChild([this] { keep(waiting_end_.get()); });
+  const ScopedFd waiting_end(ends[0]);
+  held_end_ = ScopedFd(ends[1]);
+  keeper_ = forkChild([&waiting_end] { keep(waiting_end.get()); });
 }
 
-void StartKeeper::outlastThisChild() const { (void)fcntl(telling_end_.get(), F_SETFD, 0); }
+void StartKeeper::outlastThisChild() const { (void)fcntl(held_end_.get(), F_SETFD, 0); }
 
 Status StartKeeper::start() {
   if (hasEnded(keeper_)) return runChild([] { currentSystem().start(); });
-  (void)writeAll(telling_end_.get(), "!");  // one byte fits into an empty pipe
-  (void)telling_end_.close();
+  (void)held_end_.close();  // nothing was written to it
   return awaitChild(keeper_);
 }
 

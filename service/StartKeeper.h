@@ -8,9 +8,9 @@
 
 namespace tunadm {
 
-// Made before the service is stopped. The keeper is a child process that waits on a pipe and starts
-// the service, through the adapter that is installed when it is made, as soon as it is told to or
-// the pipe closes because this process is gone. So the start is lost only if both are killed.
+// Made before the service is stopped. The keeper is a child process that waits until a pipe is
+// closed, on purpose or because this process is gone, and then starts the service through the
+// adapter that was installed when it was made. So the start is lost only if both are killed.
 //
 // The keeper has a session of its own, so that what is sent to this process's group or typed at its
 // terminal does not reach it. It starts the service with default signals, this process's umask and
@@ -36,8 +36,7 @@ class StartKeeper {
 
  private:
   pid_t keeper_ = -1;
-  ScopedFd waiting_end_;  // kept open, so that telling a dead keeper raises no signal
-  ScopedFd telling_end_;
+  ScopedFd held_end_;  // of the pipe
 };
 
 }  // namespace tunadm
