@@ -1,5 +1,7 @@
 #include "service/ServiceStatus.h"
 
+#include <poll.h>
+
 #include <climits>
 #include <cstddef>
 #include <cstdlib>
@@ -7,6 +9,7 @@
 #include <optional>
 #include <string_view>
 
+#include "fundkit/FileUtils.h"
 #include "fundkit/KeyValueFile.h"
 
 namespace tunadm {
@@ -17,14 +20,32 @@ constexpr long kUpdateIsOldAfter = 6;
 // What it writes about its connections during its first seconds cannot be trusted.
 constexpr long kWarmUp = 4;
 
-bool readStatusFile(const std::string& path, KeyValueTable* table) {
-  return readKeyValueFile(path, '=', std::nullopt, table);
-}
+constexpr int kFurtherLooks = 3;
+constexpr int kMillisecondsBetweenLooks = 33;
+
+constexpr std::string_view kUpdateKey = "uptime.now";
+constexpr std::string_view kStartKey = "uptime.started";
 
 // The value of a key, or null.
 const std::string* valueOf(const KeyValueTable& table, std::string_view key) {
   const int index = table.find(key);
   return index < 0 ? nullptr : &table.values()[static_cast<std::size_t>(index)];
+}
+
+bool hasTimes(const KeyValueTable& table) {
+  return valueOf(table, kUpdateKey) != nullptr && valueOf(table, kStartKey) != nullptr;
+}
+
+// The daemon may be just rewriting the file. One that is there but cannot be read, or lacks the
+// times, is looked at again for a tenth of a second before that is believed.
+bool readStatusFile(const std::string& path, KeyValueTable* table) {
+  bool read = readKeyValueFile(path, '=', std::nullopt, table);
+  for (int look = 0; look < kFurtherLooks; ++look) {
+    if (read ? hasTimes(*table) : path.empty() || isMissing(path)) break;
+    (void)poll(nullptr, 0, kMillisecondsBetweenLooks);
+    read = readKeyValueFile(path, '=', std::nullopt, table);
+  }
+  return read;
 }
 
 // Text that is not a number reads as 0.
@@ -56,9 +77,8 @@ void readConnections(const KeyValueTable& table, ServiceState* state) {
 TriState isDaemonRunning(const std::string& status_file) {
   KeyValueTable table;
   if (!readStatusFile(status_file, &table)) return TriState::kNo;
-  const std::string* const update = valueOf(table, "uptime.now");
-  if (update == nullptr || valueOf(table, "uptime.started") == nullptr) return TriState::kUnknown;
-  return isOld(*update) ? TriState::kNo : TriState::kYes;
+  if (!hasTimes(table)) return TriState::kUnknown;
+  return isOld(*valueOf(table, kUpdateKey)) ? TriState::kNo : TriState::kYes;
 }
 
 Status readServiceState(const std::string& status_file, ServiceState* state) {
@@ -72,8 +92,8 @@ Status readServiceState(const std::string& status_file, ServiceState* state) {
     state->running = TriState::kNo;
     return Status(kSuccess);
   }
-  const std::string* const update = valueOf(table, "uptime.now");
-  const std::string* const started = valueOf(table, "uptime.started");
+  const std::string* const update = valueOf(table, kUpdateKey);
+  const std::string* const started = valueOf(table, kStartKey);
   if (update == nullptr || started == nullptr) return Status(kApplicationError);
   if (isOld(*update)) {
     state->running = TriState::kNo;

@@ -10,7 +10,8 @@ namespace tunadm {
 enum class TriState { kYes = 1, kNo = 2, kUnknown = 3 };
 
 // Whether the daemon runs that writes `status_file`: its last update is less than 6 seconds old. No
-// when there is no such file (or the path is empty), unknown when the file lacks the times.
+// when there is no such file (or the path is empty), unknown when the file lacks the times. A file
+// that is there but does not show the times is looked at again for up to a tenth of a second.
 [[nodiscard]] TriState isDaemonRunning(const std::string& status_file);
 
 struct ServiceState {
