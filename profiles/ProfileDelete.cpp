@@ -21,7 +21,8 @@ bool removeDirectory(const ProfileRef& profile) {
   for (const char* certificates : {"/ca-certs", "/customer-certs", "/peer_certs"}) {
     (void)emptyDirectory(directory + certificates);  // what is left is removed below, or reported
   }
-  return emptyDirectory(directory).ok() && removeEmptyDirectory(directory).ok();
+  // The name goes last, so that a removal that was killed can be repeated by name.
+  return emptyDirectory(directory, kNameFile).ok() && removeEmptyDirectory(directory).ok();
 }
 
 void keepACurrentProfile() {
