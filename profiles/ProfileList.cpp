@@ -3,6 +3,8 @@
 #include <iterator>
 #include <utility>
 
+#include "core/Privilege.h"
+#include "fundkit/BasicLog.h"
 #include "profiles/ProfileLock.h"
 #include "profiles/StoreScan.h"
 
@@ -16,12 +18,23 @@ bool repairUnderLock(StoreScan* scan) {
   return (read_under_lock || scan->read()) && scan->repair();
 }
 
+void sayWhoReadsNames() {
+  TUNADM_LOG(programLogger(), kLogWarning, sourceFileName(__FILE__), "enumerateProfiles",
+             "the names of profiles can be read and repaired by root only");
+}
+
+bool readSoundStore(StoreScan* scan) {
+  return scan->read() && (scan->sound() || repairUnderLock(scan));
+}
+
 }  // namespace
 
 bool enumerateProfiles(ProfileList* list) {
   StoreScan scan;
-  if (!scan.read()) return false;
-  if (!scan.sound() && !repairUnderLock(&scan)) return false;
+  if (!readSoundStore(&scan)) {
+    if (!isPrivileged()) sayWhoReadsNames();
+    return false;
+  }
   ProfileList sorted = scan.takeSorted();
   std::move(sorted.begin(), sorted.end(), std::back_inserter(*list));
   return true;

@@ -1,6 +1,7 @@
 #include "profiles/ProfileModify.h"
 
 #include "core/Privilege.h"
+#include "core/ProgramStatus.h"
 #include "fundkit/AsciiText.h"
 #include "json/AsciiCase.h"
 #include "profiles/ConfigControl.h"
@@ -114,12 +115,13 @@ Status modify(std::string_view selector, const ModifyRequest& request, ServiceRe
   return applyChanges(request, Daemon::kMayRun, profile);
 }
 
-// Everybody is told when there is no such profile.
+// Everybody is told when there is no such profile for sure. An ordinary user cannot read the
+// friendly names, which leaves that open.
 Status refuseOrdinaryUser(std::string_view selector) {
   StoreView store;
   ProfileRef profile;
   Status found = resolveSelector(selector, &store, &profile);
-  return found.ok() ? Status(kAuthRequired) : found;
+  return found.code() == kProfileNotFound ? found : Status(kAuthRequired);
 }
 
 }  // namespace

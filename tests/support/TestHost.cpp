@@ -87,7 +87,7 @@ TestHost& TestHost::factory() {
 }
 
 TestHost& TestHost::profile(const std::string& dir_name, const std::string& friendly_name) {
-  if (!friendly_name.empty()) file(dir_name + "/profile_name", friendly_name + "\n");
+  if (!friendly_name.empty()) file(dir_name + "/profile_name", friendly_name + "\n", 0640);
   return file(dir_name + "/hip.conf", "");
 }
 
