@@ -43,7 +43,7 @@ Status removeEntry(const std::string& path);
 // kMkdirFailed.
 Status makeDirectory(const std::string& path, mode_t mode);
 
-// As makeDirectory, but anything that exists at the path is kMkdirFailed.
+// As makeDirectory, but anything that exists at the path is kMkdirFailed, with EEXIST in errno.
 Status makeNewDirectory(const std::string& path, mode_t mode);
 
 // Makes the permission bits equal to `mode`. Succeeds when they are equal at the end, even if chmod

@@ -1,7 +1,8 @@
 #include "profiles/CurrentProfile.h"
 
-#include <utility>
+#include <algorithm>
 
+#include "fundkit/BasicLog.h"
 #include "fundkit/FileUtils.h"
 #include "profiles/ProfileList.h"
 #include "profiles/ProfilePaths.h"
@@ -11,10 +12,25 @@ namespace {
 
 constexpr mode_t kMarkerMode = 0666;
 
-bool mayNameProfile(const std::string& dir_name) {
-  if (!isDirName(dir_name)) return false;
+// What the marker says, believed or not. An error leaves open which profile is current.
+LineRead readMarker(std::string* dir_name) { return readFirstLine(currentMarkerPath(), dir_name); }
+
+bool mayBeCurrent(const std::string& dir_name) {
+  if (!isMarkerName(dir_name)) return false;
   const std::string path = profileDirectory(dir_name);
   return isRealDirectory(path) || isMissing(path);
+}
+
+ProfileIdentity identityOf(const std::string& dir_name) {
+  if (!mayBeCurrent(dir_name)) return {};
+  ProfileIdentity identity;
+  identity.valid = true;
+  identity.current_file = currentMarkerPath();
+  identity.dir_name = dir_name;
+  identity.dir_path = profileDirectory(dir_name);
+  identity.profile_name = readFriendlyName(dir_name);
+  identity.profiles_root = kProfilesRoot;
+  return identity;
 }
 
 // Makes the first profile by friendly name current.
@@ -32,18 +48,8 @@ bool isUsable(const ProfileIdentity& identity) {
 }  // namespace
 
 ProfileIdentity lookUpCurrentProfile() {
-  const std::string marker = currentMarkerPath();
   std::string dir_name;
-  if (readFirstLine(marker, &dir_name) != LineRead::kRead || !mayNameProfile(dir_name)) return {};
-
-  ProfileIdentity identity;
-  identity.valid = true;
-  identity.current_file = marker;
-  identity.dir_path = profileDirectory(dir_name);
-  identity.profile_name = readFriendlyName(dir_name);
-  identity.dir_name = std::move(dir_name);
-  identity.profiles_root = kProfilesRoot;
-  return identity;
+  return readMarker(&dir_name) == LineRead::kRead ? identityOf(dir_name) : ProfileIdentity();
 }
 
 TriState isCurrentProfile(const ProfileRef& profile, const ProfileIdentity& current) {
@@ -68,12 +74,30 @@ bool currentProfileFile(std::string_view file_name, std::string* path) {
 }
 
 bool isMarkerName(std::string_view dir_name) {
-  return isDirName(dir_name) && dir_name.find('\n') == std::string_view::npos;
+  if (!isDirName(dir_name)) return false;
+  if (dir_name.front() == '.' && dir_name != kFactoryName) return false;
+  return std::none_of(dir_name.begin(), dir_name.end(), [](char byte) {
+    return static_cast<unsigned char>(byte) < ' ' || byte == '\x7f';
+  });
 }
 
 bool setCurrentProfile(std::string_view dir_name) {
   if (!isMarkerName(dir_name)) return false;
   return replaceFile(currentMarkerPath(), std::string(dir_name).append("\n"), kMarkerMode).ok();
+}
+
+bool setCurrentAfterStop(const ProfileRef& profile, const Status& stopped,
+                         const ProfileIdentity& before) {
+  if (!setCurrentProfile(profile.dir_name)) return false;
+  if (!stopped.ok() && before.dir_name != profile.dir_name &&
+      isDaemonRunning(profileFile(before.dir_name, kStatusFile)) == TriState::kYes) {
+    TUNADM_LOG(
+        programLogger(), kLogWarning, sourceFileName(__FILE__), "setCurrentAfterStop",
+        "the daemon was not stopped and still runs with another profile than the current one")
+        .detail("running with = %s", before.profile_name.c_str())
+        .detail("current = %s", profile.profile_name.c_str());
+  }
+  return true;
 }
 
 std::string readFriendlyName(std::string_view dir_name) {
@@ -84,7 +108,10 @@ std::string readFriendlyName(std::string_view dir_name) {
 
 Entered enterCurrent(std::string* path) {
   path->clear();
-  ProfileIdentity identity = lookUpCurrentProfile();
+  std::string dir_name;
+  // Choosing another profile for want of an answer would be a change that was not asked for.
+  if (readMarker(&dir_name) == LineRead::kError) return Entered::kFailed;
+  ProfileIdentity identity = identityOf(dir_name);
   if (!isUsable(identity)) {
     if (const Entered chosen = chooseCurrentProfile(); chosen != Entered::kYes) return chosen;
     identity = lookUpCurrentProfile();

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "core/Status.h"
 #include "profiles/ProfileRef.h"
 #include "service/ServiceStatus.h"
 
@@ -19,8 +20,8 @@ struct ProfileIdentity {
   std::string profiles_root;
 };
 
-// Reads the marker. Every local user can write it and root acts on it: a text that is not one path
-// component, or that names something other than a real directory, counts as no current profile. A
+// Reads the marker. Every local user can write it and root acts on it: a text that isMarkerName
+// refuses, or that names something other than a real directory, counts as no current profile. A
 // directory that does not exist, or no longer does, is what the marker names all the same.
 ProfileIdentity lookUpCurrentProfile();
 
@@ -35,12 +36,18 @@ std::string currentProfileFile(std::string_view file_name);
 [[nodiscard]] bool currentProfileDirectory(std::string* path);
 [[nodiscard]] bool currentProfileFile(std::string_view file_name, std::string* path);
 
-// True for a name that the marker can hold: one path component on one line.
+// True for a name that the marker can hold: one path component without control characters, and not
+// hidden, as a backup or a work area of the store may be, unless it is the factory profile's.
 [[nodiscard]] bool isMarkerName(std::string_view dir_name);
 
 // Writes the marker and makes it writable by all, so that later runs by other users can rewrite
 // it. False when either fails, or for a name that the marker cannot hold.
 [[nodiscard]] bool setCurrentProfile(std::string_view dir_name);
+
+// Writes the marker after the service was to be stopped, with the outcome `stopped`, while `before`
+// was current. If the stop failed and the daemon still runs, the log says with which profile.
+[[nodiscard]] bool setCurrentAfterStop(const ProfileRef& profile, const Status& stopped,
+                                       const ProfileIdentity& before);
 
 // The friendly name of the profile in `dir_name`, or `dir_name` itself when its name file cannot be
 // read.
@@ -49,8 +56,8 @@ std::string readFriendlyName(std::string_view dir_name);
 enum class Entered { kYes, kNoProfiles, kFailed };
 
 // Changes the working directory into the current profile and stores its path. When there is no
-// current profile, or it has no hip.conf, the first profile by friendly name becomes current.
-// Unless it returns kYes, `path` is cleared and the working directory stays as it was.
+// current profile, or it has no hip.conf, the first profile by friendly name becomes current, but
+// not when the marker could not be read because of an error. Unless it returns kYes, `path` is cleared and the working directory stays as it was.
 [[nodiscard]] Entered enterCurrent(std::string* path);
 
 // True when that returns kYes.

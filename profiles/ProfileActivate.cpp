@@ -12,11 +12,11 @@ namespace {
 
 // Deliberate: the service is stopped first whatever the daemon's state seems to be, and the marker
 // moves also when that fails.
-Status switchTo(const ProfileRef& profile, ServiceRestart* service) {
+Status switchTo(const ProfileRef& profile, const ProfileIdentity& before, ServiceRestart* service) {
   if (!isMarkerName(profile.dir_name)) return Status(kApplicationError);
   Status stopped = service->stop();
   if (!service->startIsDue()) return stopped;
-  const bool made_current = setCurrentProfile(profile.dir_name);
+  const bool made_current = setCurrentAfterStop(profile, stopped, before);
   if (!stopped.ok()) return stopped;
   return Status(made_current ? kSuccess : kApplicationError);
 }
@@ -29,7 +29,7 @@ Status makeCurrent(std::string_view selector, ServiceRestart* service, std::stri
   if (!found.ok()) return found;
   *profile_name = profile.profile_name;
   if (found.code() == kProfileRunning) return Status(kSuccess);
-  if (found.code() != kProfileActive) return switchTo(profile, service);
+  if (found.code() != kProfileActive) return switchTo(profile, store.current(), service);
   service->requestStart();
   return Status(kSuccess);
 }

@@ -1,5 +1,6 @@
 #include "profiles/ProfileCreate.h"
 
+#include <cerrno>
 #include <string_view>
 #include <unordered_set>
 #include <vector>
@@ -37,10 +38,10 @@ Status makeProfileDirectory(const StoreScan& scan, std::string* dir_name) {
   for (int number = kFirstNumber; number < kEndNumber; ++number) {
     *dir_name = "profile-" + std::to_string(number);
     if (used.contains(*dir_name)) continue;
-    const std::string path = profileDirectory(*dir_name);
-    if (makeNewDirectory(path, 0755).ok()) return Status(kSuccess);
-    // Still nothing there: the store itself is at fault, and refuses every further name, too.
-    if (isMissing(path)) break;
+    if (makeNewDirectory(profileDirectory(*dir_name), 0755).ok()) return Status(kSuccess);
+    // Unless the name is taken, the store itself is at fault, and would refuse every other name
+    // too.
+    if (errno != EEXIST) break;
   }
   return Status(kApplicationError);
 }
@@ -113,13 +114,15 @@ Status fillProfile(const CreateRequest& request, const ProfileRef& profile) {
 Status fillAndActivate(const CreateRequest& request, const ProfileRef& profile,
                        ServiceRestart* service) {
   StoreView store;
+  Status stopped(kSuccess);  // a failure does not matter: the start tells how it went
   if (store.daemon() != TriState::kNo) {
-    Status stopped = service->stop();  // whose failure does not matter: the start tells how it went
+    stopped = service->stop();
     if (!service->startIsDue()) return stopped;
   }
   if (Status filled = fillProfile(request, profile); !filled.ok()) return filled;
   service->requestStart();
-  return Status(setCurrentProfile(profile.dir_name) ? kSuccess : kApplicationError);
+  const bool made_current = setCurrentAfterStop(profile, stopped, store.current());
+  return Status(made_current ? kSuccess : kApplicationError);
 }
 
 Status makeProfile(const CreateRequest& request, ServiceRestart* service, ProfileRef* created) {

@@ -75,8 +75,9 @@ TEST(CurrentProfile, WhatTheMarkerMayName) {
     EXPECT_EQ(identity.dir_name + ": " + identity.profile_name, expected);
   }
   const std::string endless(300, 'x');
+  host.file(".backup/hip.conf", "").file("a\tb/hip.conf", "");
   for (const char* marker : {"\none\n", "", ".\n", "..\n", "../profiles/one\n", "link\n", "dead\n",
-                             "plain\n", endless.c_str()}) {
+                             "plain\n", ".backup\n", "a\tb\n", "one\x7f\n", endless.c_str()}) {
     host.file(".current", marker);
     EXPECT_FALSE(lookUpCurrentProfile().valid) << marker;
   }
@@ -101,6 +102,23 @@ TEST(CurrentProfile, EnteringHealsAStaleMarker) {
   ASSERT_TRUE(enterCurrentProfile(&path));
   char directory[100];
   EXPECT_STREQ(getcwd(directory, sizeof directory), "/opt/vrx/profiles/z");
+}
+
+// A file of more than a mebibyte in one line stands for one that cannot be read.
+TEST(ProfileList, WhatCannotBeReadIsNotReplaced) {
+  const std::string unreadable(3 << 19, 'x');
+  TestHost host;
+  host.profile("a", "office").file("b/profile_name", unreadable).profile("c");
+  ProfileList list;
+  EXPECT_FALSE(enumerateProfiles(&list));
+  EXPECT_EQ(host.read("b/profile_name"), unreadable);
+  EXPECT_FALSE(host.exists("c/profile_name"));
+  host.remove("b").file(".current", unreadable);
+  std::string path;
+  EXPECT_FALSE(enterCurrentProfile(&path)) << "which profile is current is not known";
+  EXPECT_EQ(host.read(".current"), unreadable);
+  host.remove(".current");
+  EXPECT_TRUE(enterCurrentProfile(&path));
 }
 
 TEST(ConfigControl, RefusalsLeaveTheFileAlone) {

@@ -193,5 +193,16 @@ TEST(Diagnostics, LogVersionsBundleAndInterfaces) {
   EXPECT_EQ(host.says("list versions"), "hipapp_version: 2.2\ntunadm_version: 2.2\n");
 }
 
+TEST(Create, EndsAtOnceWithoutAStore) {
+  TestHost host;
+  for (const char* store : {"file", "loop of links"}) {
+    host.remove("/opt/vrx");
+    if (store[0] == 'f') host.file("/opt/vrx", "");
+    if (store[0] == 'l') host.link("/opt/vrx", "/opt/vrx");
+    EXPECT_EQ(host.says("profile create x helmsman=h"), failure("application error", "0x12000001"))
+        << store;
+  }
+}
+
 }  // namespace
 }  // namespace tunadm

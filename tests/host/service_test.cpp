@@ -99,7 +99,13 @@ TEST(Service, OrdinaryUsersAreRefused) {
         "profile delete two", "profile rename two new_name=x", "profile modify two new_name=a\nb",
         "support reset two"})
     EXPECT_EQ(host.says(line, RunAs::kOrdinaryUser), kRefusedUser) << line;
-  EXPECT_EQ(host.says("profile modify three", RunAs::kOrdinaryUser), kNotFound);
+  EXPECT_EQ(host.says("profile modify dir=three", RunAs::kOrdinaryUser), kNotFound);
+  const Outcome unsure = host.run("/usr/sbin/tunadm profile modify two", RunAs::kOrdinaryUser);
+  EXPECT_EQ(unsure.out, kRefusedUser) << "who cannot read the names cannot know";
+  EXPECT_EQ(unsure.err,
+            "W~ tunadm ProfileList.cpp enumerateProfiles: the names of profiles can be read and "
+            "repaired by root only\n");
+  EXPECT_FALSE(host.exists("/tmp/lock")) << "the lock directory is root's to make";
   EXPECT_EQ(host.calls(), "");
   // What activate needs is up to the marker's mode and the init system.
   host.file("/tmp/calls", "", 0666);
@@ -198,8 +204,13 @@ TEST(Activate, CallsByProfileAndDaemon) {
     EXPECT_EQ(host.calls() + host.read(".current"), c.calls + c.current + "\n");
   }
   ServiceHost host;  // No failure leaves the service stopped.
-  host.file("/tmp/stand-in-end", "signal 9\nexit 0\n");
-  EXPECT_EQ(host.says("profile activate two"), kSignalled);
+  host.file("/tmp/stand-in-end", "signal 9\nexit 0\n").file("one/hipvars.txt", host.times(0, 5));
+  const Outcome unstopped = host.run("/usr/sbin/tunadm profile activate two");
+  EXPECT_EQ(unstopped.out, kSignalled);
+  EXPECT_EQ(
+      unstopped.err,
+      "W~ tunadm CurrentProfile.cpp setCurrentAfterStop: the daemon was not stopped and still "
+      "runs with another profile than the current one; running with = one; current = two\n");
   EXPECT_EQ(host.read(".current"), "two\n");
   host.block(".current");
   EXPECT_EQ(host.says("profile activate one"), kApplication);
