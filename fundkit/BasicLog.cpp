@@ -1,8 +1,8 @@
 #include "fundkit/BasicLog.h"
 
-#include <errno.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
 #include <cstdarg>
 #include <cstddef>
@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "fundkit/DescriptorIo.h"
+#include "fundkit/TerminalText.h"
 
 namespace tunadm {
 namespace {
@@ -20,7 +21,7 @@ struct LoggerRegistry {
   LoggerRegistry() { loggers.emplace_back("fundkit", default_threshold); }
 
   LogLevel default_threshold = kLogInfo;
-  std::deque<Logger> loggers;  // Its elements never move: modules keep references to them.
+  std::deque<Logger> loggers;  // its elements never move: modules keep references to them
 };
 
 LoggerRegistry& registry() {
@@ -29,6 +30,17 @@ LoggerRegistry& registry() {
 }
 
 AssertHandler installed_handler = nullptr;
+
+// Short level name, logger, module, function, text and details in one line, whatever they hold.
+std::string logLine(const BasicLog::LogMessage& message) {
+  std::string line = loglevel_shortname(message.level);
+  for (const std::string* part : {&message.logger_name, &message.module, &message.function}) {
+    line.append(" ").append(*part);
+  }
+  line.append(": ").append(message.text);
+  for (const std::string& detail : message.details) line.append("; ").append(detail);
+  return withoutControls(line).append("\n");
+}
 
 }  // namespace
 
@@ -44,7 +56,7 @@ void Logger::adopt(LogLevel default_threshold) {
 // One write for the whole line, so that lines of several processes do not mix.
 void Logger::accept(std::unique_ptr<const BasicLog::LogMessage> message) const {
   const int saved_errno = errno;
-  writeOutput(STDERR_FILENO, formatLogLine(*message));
+  writeOutput(STDERR_FILENO, logLine(*message));
   errno = saved_errno;
 }
 
@@ -75,19 +87,6 @@ void setDefaultThreshold(LogLevel threshold) {
   for (Logger& logger : known.loggers) logger.adopt(known.default_threshold);
 }
 
-std::string formatLogLine(const BasicLog::LogMessage& message) {
-  std::string line = loglevel_shortname(message.level);
-  for (const std::string* part :
-       {&message.logger_name, &message.module, &message.function, &message.text}) {
-    line.append(part == &message.text ? ": " : " ").append(*part);
-  }
-  for (const std::string& detail : message.details) line.append("; ").append(detail);
-  for (char& byte : line) {
-    if ((byte >= '\0' && byte < ' ') || byte == '\x7f') byte = '?';
-  }
-  return line.append("\n");
-}
-
 LogStatement::LogStatement(const Logger& logger, std::string_view logger_name, LogLevel level,
                            std::string_view text, std::string_view module,
                            std::string_view function)
@@ -108,7 +107,7 @@ LogStatement& LogStatement::detail(const char* format, ...) {
   const int length = std::vsnprintf(nullptr, 0, format, values);
   if (length >= 0) {
     std::string& text = message_->details.emplace_back(static_cast<std::size_t>(length), '\0');
-    (void)std::vsnprintf(text.data(), text.size() + 1, format, values_again);  // Cannot be longer.
+    (void)std::vsnprintf(text.data(), text.size() + 1, format, values_again);  // cannot be longer
   }
   va_end(values_again);
   va_end(values);
@@ -127,12 +126,17 @@ void assertFailure(const char* file, int line, const char* message) {
 
 void defaultAssertFailure(const char* file, int line, const char* message) {
   char text[1024];
-  (void)std::snprintf(text, sizeof(text), "assert error, %s line %d, \"%s\" \n",  // Cut if longer.
+  (void)std::snprintf(text, sizeof(text), "assert error, %s line %d, \"%s\" \n",  // cut if longer
                       file == nullptr ? "<filename unknown>" : file, line,
                       message == nullptr ? "<no message>" : message);
   writeOutput(STDERR_FILENO, text);
   TUNADM_LOG(fundkitLogger(), kLogError, "BasicLog", "defaultAssertFailure", text);
-  (void)std::signal(SIGILL, SIG_DFL);  // An ignored one would let the process go on.
+  // One that is ignored or held back would let the process go on.
+  (void)std::signal(SIGILL, SIG_DFL);
+  sigset_t illegal;
+  (void)sigemptyset(&illegal);
+  (void)sigaddset(&illegal, SIGILL);
+  (void)pthread_sigmask(SIG_UNBLOCK, &illegal, nullptr);
   (void)std::raise(SIGILL);
 }
 

@@ -35,16 +35,17 @@ class Logger {
 
   const std::string& name() const { return name_; }
 
-  // True when `level` (unset counts as INFO) is at or above the own threshold or, where that is
-  // unset, the default threshold.
-  bool enabled(LogLevel level) const {
+  // True when `level` (unset counts as INFO) is at or above the logger's own threshold or, if that
+  // is unset, the default threshold.
+  [[nodiscard]] bool enabled(LogLevel level) const {
     return (level == kLogUnset ? kLogInfo : level) >= effective_;
   }
 
   // A value that is not valid unsets the own threshold.
   void setThreshold(LogLevel threshold);
 
-  // Writes the message to standard error at once. Leaves errno as it was.
+  // Writes the message to standard error at once, as one line: short level name, logger, module,
+  // function, text and details, with '?' for each control character. Leaves errno as it was.
   void accept(std::unique_ptr<const BasicLog::LogMessage> message) const;
 
  private:
@@ -54,11 +55,11 @@ class Logger {
 
   std::string name_;
   LogLevel own_ = kLogUnset;
-  LogLevel effective_;  // Kept up to date by the setters, so that enabled() is one comparison.
+  LogLevel effective_;  // kept up to date by the setters, so that enabled() is one comparison
 };
 
 // The logger of that name, made on first use; lives as long as the program. When it cannot be
-// made, that is logged and the library's own logger ("fundkit") takes its place.
+// made, this is logged and the library's own logger ("fundkit") takes its place.
 Logger& getLogger(std::string_view name);
 
 // The base library's own logger.
@@ -67,12 +68,8 @@ Logger& fundkitLogger();
 // The program's logger ("tunadm").
 Logger& programLogger();
 
-// The threshold of all loggers without one of their own; INFO at start and for an invalid value.
+// The threshold of all loggers without one of their own: INFO at first and for an invalid value.
 void setDefaultThreshold(LogLevel threshold);
-
-// The line that is written for `message`, with its final line feed: short level name, logger,
-// module, function, text and details. Control bytes inside show as '?', so it is always one line.
-std::string formatLogLine(const BasicLog::LogMessage& message);
 
 // One message under construction. Begin one with TUNADM_LOG, so that a disabled level costs
 // nothing.
@@ -103,7 +100,7 @@ constexpr std::string_view sourceFileName(std::string_view path) {
 // TUNADM_LOG(logger, kLogError, "FileUtils", "makeUniqueFile", "failed to open file")
 //     .detail("error = %s", strerror(error));
 // Neither texts nor details are evaluated when the logger is not enabled for the level; logger and
-// level are evaluated more than once. Behind an `if`, put it in braces.
+// level are evaluated more than once. After an `if`, put it in braces.
 #define TUNADM_LOG(logger, level, module, function, text) \
   if (!(logger).enabled(level)) {                         \
   } else                                                  \
@@ -112,13 +109,14 @@ constexpr std::string_view sourceFileName(std::string_view path) {
 // Called with file name, line number and message, each text possibly null.
 using AssertHandler = void (*)(const char* file, int line, const char* message);
 
-// Installs the handler for assertion failures; null brings defaultAssertFailure back.
+// Installs the handler for assertion failures; null restores defaultAssertFailure.
 void setAssertHandler(AssertHandler handler);
 
 // Reports a failed assertion to the installed handler.
 void assertFailure(const char* file, int line, const char* message);
 
-// Writes the failure to standard error, logs it and raises SIGILL, which ends the process.
+// Writes the failure to standard error, logs it and raises SIGILL, which ends the process even if
+// the signal is ignored or blocked.
 void defaultAssertFailure(const char* file, int line, const char* message);
 
 }  // namespace tunadm

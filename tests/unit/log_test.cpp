@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <cerrno>
+#include <csignal>
 #include <string>
 #include <string_view>
 
@@ -11,26 +13,126 @@ namespace tunadm {
 namespace {
 
 // Further texts are a matter of fuzz/small_texts.cpp.
-TEST(LogLevel, Names) {
+TEST(LogLevel, NamesAndPriorities) {
   std::string names;
   for (const LogLevelDescriptor& level : kLogLevels) {
-    names += std::string(loglevel_shortname(&level)) + loglevel_fullname(&level) + " ";
+    names += std::string(loglevel_shortname(&level)) + loglevel_fullname(&level);
+    names += std::to_string(loglevel_to_syslog(&level)) + " ";
     EXPECT_EQ(parseLevel(loglevel_fullname(&level)), &level);
+    EXPECT_EQ(level.marker, 12345U);
   }
-  EXPECT_EQ(names, "T~TRACE D~DEBUG I~INFO N~NOTICE W~WARNING E~ERROR F~FATAL ");
-  EXPECT_STREQ(loglevel_shortname(kLogUnset), "X~");
-  for (const char* text : {"err\ttext", "", "WARNINGS", "[F~]"})
+  EXPECT_EQ(names, "T~TRACE7 D~DEBUG7 I~INFO6 N~NOTICE5 W~WARNING4 E~ERROR3 F~FATAL2 ");
+  const char* const none = nullptr;
+  for (const char* text : {"err\ttext", "", "WARNINGS", "[F~]", none})
     EXPECT_EQ(parseLevel(text), kLogInfo);
-  for (const char* text : {"[Fatal] x", "panic", "\xc3 ALERT \xff"})
+  for (const char* text : {"[Fatal] x", "panic", "emergency", "\xc3 ALERT \xff"})
     EXPECT_EQ(parseLevel(text), kLogFatal);
+}
+
+TEST(LogLevel, InvalidOnesAreReported) {
+  const LogLevelDescriptor stranger = kLogLevels[5];
+  for (const LogLevel level : {kLogUnset, &stranger}) {
+    EXPECT_FALSE(isValidLevel(level));
+    testing::internal::CaptureStderr();
+    EXPECT_STREQ(loglevel_shortname(level), "X~");
+    EXPECT_STREQ(loglevel_fullname(level), "<log level>");
+    EXPECT_EQ(loglevel_to_syslog(level), 6);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "E~ fundkit BasicLog loglevel_shortname: invalid log level\n"
+              "E~ fundkit BasicLog loglevel_fullname: invalid log level\n"
+              "E~ fundkit BasicLog loglevel_to_syslog: invalid log level\n");
+  }
+}
+
+// The lowest level that the logger is enabled for, and whether it is for one that is unset.
+std::string enabledFrom(const Logger& logger) {
+  std::string lowest;
+  for (const LogLevelDescriptor& level : kLogLevels)
+    if (lowest.empty() && logger.enabled(&level)) lowest = level.full_name;
+  return lowest + (logger.enabled(kLogUnset) ? " unset" : "");
+}
+
+TEST(Logger, Thresholds) {
+  Logger& own = getLogger("own");
+  const Logger& other = getLogger("other");
+  EXPECT_EQ(&getLogger("own"), &own);
+  EXPECT_EQ(enabledFrom(own), "INFO unset");
+  own.setThreshold(kLogError);
+  setDefaultThreshold(kLogDebug);
+  EXPECT_EQ(enabledFrom(own), "ERROR");
+  EXPECT_EQ(enabledFrom(other), "DEBUG unset");
+  EXPECT_EQ(enabledFrom(getLogger("made later")), "DEBUG unset");
+  own.setThreshold(kLogUnset);
+  EXPECT_EQ(enabledFrom(own), "DEBUG unset");
+  setDefaultThreshold(kLogUnset);
+  EXPECT_EQ(enabledFrom(other), "INFO unset");
 }
 
 TEST(LogStatement, OneLineOnStandardError) {
   testing::internal::CaptureStderr();
-  TUNADM_LOG(getLogger("a\nb"), kLogWarning, "m", "f", "could not\rget")
-      .detail("%s", "forged\nE~ line\x1b[31m gr\xc3\xbc");
+  errno = EDOM;
+  {
+    LogStatement statement(programLogger(), "a\nb", kLogWarning, "could not\rget", "m", "f");
+    statement.detail("%s", "forged\nE~ line\x1b[31m gr\xc3\xbc").detail("%d", 7);
+    statement.end();
+    statement.detail("%d", 8);
+  }
+  EXPECT_EQ(errno, EDOM);
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
-            "W~ a?b m f: could not?get; forged?E~ line?[31m gr\xc3\xbc\n");
+            "W~ a?b m f: could not?get; forged?E~ line?[31m gr\xc3\xbc; 7\n");
+}
+
+TEST(LogStatement, ShowsNoControlCharacter) {
+  const char* const cases[][2] = {
+      {"\x01 \x1f\x7f~", "? ??~"},
+      {"\xc2\x9b \xc2\xa0 \x9b \xa0 \x80", "? \xc2\xa0 ? \xa0 ?"},         // CSI, in both ways
+      {"\xe2\x82\x9b \xf0\x9f\x98\x80", "\xe2\x82\x9b \xf0\x9f\x98\x80"},  // within characters
+      {"\xe2\x9b \xc0\x9b \xf5\x80\x80\x80", "\xe2? \xc0? \xf5???"},       // no characters
+      {"\xe0\x9f\xbf \xed\xa0\x80 \xf0\x8f\xbf\xbf \xf4\x90\x80\x80",
+       "\xe0?\xbf \xed\xa0? \xf0?\xbf\xbf \xf4???"},
+      {"\xe1\x80", "\xe1?"}};
+  for (const auto& [text, shown] : cases) {
+    testing::internal::CaptureStderr();
+    TUNADM_LOG(programLogger(), kLogFatal, "m", "f", text);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              std::string("F~ tunadm m f: ") + shown + "\n");
+  }
+}
+
+TEST(LogStatement, DisabledOnesCostNothing) {
+  testing::internal::CaptureStderr();
+  int evaluated = 0;
+  TUNADM_LOG(programLogger(), kLogDebug, "m", "f", "x").detail("%d", ++evaluated);
+  EXPECT_EQ(evaluated, 0);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+  EXPECT_EQ(sourceFileName("/a/b.cpp"), "b.cpp");
+  EXPECT_EQ(sourceFileName("b.cpp"), "b.cpp");
+}
+
+std::string asserted;
+
+void noteAssertion(const char* file, int line, const char* message) {
+  asserted = std::string(file) + std::to_string(line) + message;
+}
+
+TEST(Assertion, HandlerOrTheEndByIllegalInstruction) {
+  setAssertHandler(&noteAssertion);
+  assertFailure("file", 7, "message");
+  EXPECT_EQ(asserted, "file7message");
+  setAssertHandler(nullptr);
+  const testing::KilledBySignal illegal(SIGILL);
+  EXPECT_EXIT(assertFailure(nullptr, 7, nullptr), illegal,
+              "^assert error, <filename unknown> line 7, \"<no message>\" \nE~ fundkit BasicLog "
+              "defaultAssertFailure: assert error, <filename unknown> line 7, ");
+  EXPECT_EXIT(
+      {
+        sigset_t all;
+        (void)sigfillset(&all);
+        (void)sigprocmask(SIG_BLOCK, &all, nullptr);
+        (void)std::signal(SIGILL, SIG_IGN);
+        assertFailure("f", 1, std::string(2000, 'x').c_str());
+      },
+      illegal, "^assert error, f line 1, \"x{998}E~ fundkit");  // 1,023 bytes
 }
 
 // What is found in a log is a matter of fuzz/log_extract.cpp.
