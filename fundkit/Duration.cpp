@@ -5,6 +5,8 @@
 #include <limits>
 #include <string_view>
 
+#include "json/AsciiCase.h"
+
 namespace tunadm {
 namespace {
 
@@ -45,26 +47,13 @@ constexpr UnitWord kUnitWords[] = {
     {"days", kDay},
 };
 
-// Bytes from 128 on are not blanks, whatever the sign of char.
+// Bytes of 128 and above are not blanks, whether char is signed or not.
 bool isBlank(char byte) { return static_cast<unsigned char>(byte) <= ' '; }
-
-char lowerAscii(char byte) {
-  return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte;
-}
-
-// The unit words are lower case already.
-bool equalsWord(std::string_view text, std::string_view word) {
-  if (text.size() != word.size()) return false;
-  for (std::size_t i = 0; i < word.size(); ++i) {
-    if (lowerAscii(text[i]) != word[i]) return false;
-  }
-  return true;
-}
 
 // 0 when there is no such unit.
 Duration unitLength(std::string_view text) {
   for (const UnitWord& unit : kUnitWords) {
-    if (equalsWord(text, unit.word)) return unit.length;
+    if (equalIgnoringCase(text, unit.word)) return unit.length;
   }
   return 0;
 }
@@ -82,7 +71,7 @@ constexpr UnitForm kMinutes = {kMinute, " min", " mins"};
 constexpr UnitForm kHours = {kHour, " hr", " hrs"};
 constexpr UnitForm kDays = {kDay, " day", " days"};
 
-// The larger of two neighbouring units where the whole count of the smaller one fills it.
+// The larger of two neighbouring units if the whole count of the smaller one is a multiple of it.
 const UnitForm& largerIfWhole(std::uint64_t size, const UnitForm& small, const UnitForm& large) {
   return size / small.length % (large.length / small.length) == 0 ? large : small;
 }
@@ -100,12 +89,12 @@ const UnitForm& formFor(std::uint64_t size) {
 
 Duration parseDuration(const char* text) {
   if (text == nullptr) return 0;
-  char* rest = nullptr;
-  const Duration number = std::strtoll(text, &rest, 10);
-  while (*rest != '\0' && isBlank(*rest)) ++rest;
-  const char* end = rest;
+  char* word = nullptr;
+  const Duration number = std::strtoll(text, &word, 10);
+  while (*word != '\0' && isBlank(*word)) ++word;
+  const char* end = word;
   while (!isBlank(*end)) ++end;
-  const Duration unit = unitLength(std::string_view(rest, static_cast<std::size_t>(end - rest)));
+  const Duration unit = unitLength(std::string_view(word, static_cast<std::size_t>(end - word)));
 
   Duration product = 0;
   if (!__builtin_mul_overflow(number, unit, &product)) return product;
@@ -115,7 +104,7 @@ Duration parseDuration(const char* text) {
 
 std::string formatDuration(Duration duration) {
   if (duration == 0) return "0 seconds";
-  // Negated without a sign: the smallest duration has no positive counterpart.
+  // Negated as an unsigned number: the smallest duration has no positive counterpart.
   std::uint64_t size = static_cast<std::uint64_t>(duration);
   if (duration < 0) size = -size;
   const UnitForm& form = formFor(size);

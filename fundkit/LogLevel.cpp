@@ -4,34 +4,26 @@
 
 #include "fundkit/AsciiText.h"
 #include "fundkit/BasicLog.h"
+#include "json/AsciiCase.h"
 
 namespace tunadm {
 namespace {
 
-// Words that stand for FATAL besides its name.
+// Words other than its name that mean FATAL.
 constexpr std::string_view kFatalWords[] = {"PANIC", "EMERG", "EMERGENCY", "CRITICAL", "ALERT"};
 
-constexpr char upperAscii(char byte) {
-  return byte >= 'a' && byte <= 'z' ? static_cast<char>(byte - 'a' + 'A') : byte;
-}
-
-// Names and short names are upper case already.
 bool beginsWithName(std::string_view text, std::string_view name) {
-  if (text.size() < name.size()) return false;
-  for (std::size_t i = 0; i < name.size(); ++i) {
-    if (upperAscii(text[i]) != name[i]) return false;
-  }
-  return true;
+  return equalIgnoringCase(text.substr(0, name.size()), name);
 }
 
-// True for the first byte of any name, and for the bracket that may stand before one. It decides
-// about nearly all lines of a log that begin otherwise.
+// True for the first byte of any name, and for the bracket that may precede one: a quick answer for
+// nearly all lines of a log that do not begin with a level.
 bool mayBeginName(char byte) {
-  constexpr std::string_view kFirstBytes = "TDINWEFPCA[";
-  return kFirstBytes.find(upperAscii(byte)) != std::string_view::npos;
+  constexpr std::string_view kFirstBytes = "tdinwefpca[";
+  return kFirstBytes.find(asciiLower(byte)) != std::string_view::npos;
 }
 
-// True when trimming the end would leave nothing. Stops at the first byte that shows something.
+// True when trimming the end would leave nothing. Stops at the first graphic byte.
 bool isBlankToEnd(std::string_view text) {
   for (const char byte : text) {
     if (byte == '\0') return true;
@@ -84,7 +76,7 @@ LogLevel parseLevel(std::string_view text) {
   for (const LogLevelDescriptor& entry : kLogLevels) {
     if (beginsWithName(text, entry.short_name)) return &entry;
   }
-  if (!text.empty() && text[0] == '[') text.remove_prefix(1);
+  if (text[0] == '[') text.remove_prefix(1);
   for (const LogLevelDescriptor& entry : kLogLevels) {
     if (isName(text, entry.full_name) || isName(text, entry.alternative_name)) return &entry;
   }

@@ -10,10 +10,10 @@ namespace tunadm {
 struct LogLevelDescriptor {
   std::uint32_t marker;
   int syslog_priority;
-  // Each of a literal, so that a NUL byte follows.
+  // Each views a literal, so a NUL byte follows.
   std::string_view short_name;
   std::string_view full_name;
-  std::string_view alternative_name;  // Empty when there is none.
+  std::string_view alternative_name;  // empty when there is none
 };
 
 inline constexpr std::uint32_t kLogLevelMarker = 12345;
@@ -41,18 +41,18 @@ inline constexpr LogLevel kLogFatal = &kLogLevels[6];
 inline constexpr LogLevel kLogUnset = nullptr;
 
 // True for the seven entries of kLogLevels only. Any pointer value may be given.
-bool isValidLevel(LogLevel level);
+[[nodiscard]] bool isValidLevel(LogLevel level);
 
-// Each gives a stand-in for a value that is not one of the seven ("X~", "<log level>", 6) and then
+// For a value that is not one of the seven, each returns a substitute ("X~", "<log level>", 6) and
 // logs "invalid log level" once.
 const char* loglevel_shortname(LogLevel level);
 const char* loglevel_fullname(LogLevel level);
 int loglevel_to_syslog(LogLevel level);
 
 // The level that `text` begins with, as a short name ("w~") or as a full name that may stand in
-// brackets ("[Error] ..."), without regard to case or to leading bytes that show nothing. A NUL
-// byte ends the text. INFO for null, for a text of such bytes only and for everything unknown.
-// Reads no further than what decides, and allocates nothing.
+// brackets ("[Error] ..."), without regard to case or to leading bytes that are not graphic. A NUL
+// byte ends the text. INFO for null, for a text without graphic bytes and for everything unknown.
+// Reads only as far as it needs to, and allocates nothing.
 LogLevel parseLevel(std::string_view text);
 LogLevel parseLevel(const char* text);
 
