@@ -1,7 +1,6 @@
 #include "fundkit/TimeUtils.h"
 
-#include <time.h>
-
+#include <ctime>
 #include <limits>
 
 namespace tunadm {
@@ -9,21 +8,21 @@ namespace {
 
 TimePoint readClock(clockid_t clock) {
   timespec now{};
-  (void)clock_gettime(clock, &now);  // Cannot fail: both clocks exist on every Linux.
+  (void)clock_gettime(clock, &now);  // cannot fail: both clocks exist on every Linux
   return now.tv_sec * kSecond + now.tv_nsec / 1000;
 }
 
-// The one date whose offset from UTC is taken for all. Given anew for each use, since mktime and
-// timegm write into it what they make of the date.
+// The one date whose offset from UTC is taken for all. A fresh copy for each use, since mktime and
+// timegm normalize the one that they are given.
 tm offsetDate() {
   tm date{};
-  date.tm_year = 2018;  // Deliberate: counted from 1900, so this is the year 3918.
+  date.tm_year = 2018;  // deliberate: counted from 1900, so this is the year 3918
   date.tm_mon = 3;
   date.tm_mday = 1;
   return date;
 }
 
-// What has to be added to local time to give UTC: negative east of Greenwich.
+// What is added to local time to get UTC: negative east of Greenwich.
 Duration localOffset() {
   tm local = offsetDate();
   tm utc = offsetDate();

@@ -1,4 +1,4 @@
-// Times and durations as counts of microseconds, the clocks that give them, and local time.
+// Times and durations as counts of microseconds, the clocks that measure them, and local time.
 #pragma once
 
 #include <cstdint>
@@ -17,10 +17,10 @@ inline constexpr Duration kMinute = 60 * kSecond;
 inline constexpr Duration kHour = 60 * kMinute;
 inline constexpr Duration kDay = 24 * kHour;
 
-// The wall clock: for showing times. Setting the clock moves it in both directions.
+// The wall clock: for showing times. It can be set, and then jumps in either direction.
 TimePoint currentTime();
 
-// A clock that nobody sets: for measuring intervals. Its start is some point of the past.
+// A clock that cannot be set: for measuring intervals. It starts at some point in the past.
 TimePoint monotonicTime();
 
 // Between UTC and the local time of the TZ setting at the time of the call. Deliberate: both use

@@ -1,17 +1,16 @@
 #include "fundkit/Timestamp.h"
 
-#include <time.h>
-
 #include <cstddef>
 #include <cstdio>
+#include <ctime>
 
 namespace tunadm {
 namespace {
 
-// Room for the longest text that a compiler which knows no ranges can think of.
+// Enough for every field at the full width of an int, so that the compiler sees no truncation.
 constexpr std::size_t kTextSize = 128;
 
-// How much of "-123456" a precision leaves out.
+// How many characters of "-123456" a precision leaves out.
 std::size_t droppedBytes(StampPrecision precision) {
   switch (precision) {
     case StampPrecision::kToDay:
@@ -36,9 +35,9 @@ BrokenDownTime breakDown(TimePoint time) {
     --seconds;
     fraction += static_cast<int>(kSecond);
   }
-  const time_t whole = seconds;
+  const auto whole = static_cast<time_t>(seconds);
   tm date{};
-  (void)gmtime_r(&whole, &date);  // Fails only for years beyond an int.
+  (void)gmtime_r(&whole, &date);  // fails only for years beyond an int
   return {date.tm_year + 1900, date.tm_mon + 1, date.tm_mday,    date.tm_hour,
           date.tm_min,         date.tm_sec,     fraction / 1000, fraction % 1000};
 }
@@ -46,11 +45,11 @@ BrokenDownTime breakDown(TimePoint time) {
 std::string formatTimestamp(TimePoint time, bool with_fraction, char separator) {
   const BrokenDownTime date = breakDown(time);
   char text[kTextSize];
-  (void)snprintf(text, sizeof text, "%04d-%02d-%02d%c%02d:%02d:%02d", date.year, date.month,
-                 date.day, separator, date.hour, date.minute, date.second);
+  (void)std::snprintf(text, sizeof(text), "%04d-%02d-%02d%c%02d:%02d:%02d", date.year, date.month,
+                      date.day, separator, date.hour, date.minute, date.second);
   std::string stamp = text;
   if (!with_fraction) return stamp;
-  (void)snprintf(text, sizeof text, ".%06d", date.millisecond * 1000 + date.microsecond);
+  (void)std::snprintf(text, sizeof(text), ".%06d", date.millisecond * 1000 + date.microsecond);
   return stamp + text;
 }
 
@@ -58,8 +57,9 @@ TimePoint parseTimestamp(const std::string& text) {
   tm date{};
   // The widths keep every number within four characters, so none can overflow unnoticed.
   // NOLINTNEXTLINE(cert-err34-c): see above.
-  const int fields = sscanf(text.c_str(), "%04d-%02d-%02dT%02d:%02d:%02d", &date.tm_year,
-                            &date.tm_mon, &date.tm_mday, &date.tm_hour, &date.tm_min, &date.tm_sec);
+  const int fields =
+      std::sscanf(text.c_str(), "%04d-%02d-%02dT%02d:%02d:%02d", &date.tm_year, &date.tm_mon,
+                  &date.tm_mday, &date.tm_hour, &date.tm_min, &date.tm_sec);
   if (fields != 6) return 0;
   date.tm_year -= 1900;
   date.tm_mon -= 1;
@@ -70,8 +70,8 @@ std::string dateStampedName(const char* prefix, TimePoint time, const char* suff
                             StampPrecision precision) {
   const BrokenDownTime date = breakDown(time == 0 ? currentTime() : time);
   char text[kTextSize];
-  (void)snprintf(text, sizeof text, "%04d%02d%02d-%02d%02d%02d", date.year, date.month, date.day,
-                 date.hour, date.minute, date.second);
+  (void)std::snprintf(text, sizeof(text), "%04d%02d%02d-%02d%02d%02d", date.year, date.month,
+                      date.day, date.hour, date.minute, date.second);
   std::string stamp = text;
   stamp.resize(stamp.size() - droppedBytes(precision));
   std::string name = prefix == nullptr ? "" : prefix;

@@ -19,7 +19,8 @@ struct BrokenDownTime {
   int microsecond;  // 0 to 999, within the millisecond.
 };
 
-// Exact for every time point: the 64-bit range spans the years -290308 to 294247.
+// Exact for every time point that time_t holds; the 64 bits of TimePoint span the years -290308 to
+// 294247.
 BrokenDownTime breakDown(TimePoint time);
 
 // "2024-02-29T12:34:56" with `separator` for the T, followed by ".012345" if `with_fraction`. The
@@ -27,7 +28,7 @@ BrokenDownTime breakDown(TimePoint time);
 std::string formatTimestamp(TimePoint time, bool with_fraction, char separator);
 
 // Reads "2024-02-29T12:34:56" as scanf does: blanks and a sign may precede a number, and what
-// follows the seconds is ignored. Gives 0 unless all six numbers are there. They are not held to
+// follows the seconds is ignored. Returns 0 unless all six numbers are there. They are not held to
 // their ranges: month 13 is January of the next year. Every result fits.
 TimePoint parseTimestamp(const std::string& text);
 
