@@ -1,4 +1,4 @@
-// Printable ASCII: what counts as such, trimming to it, and masking the rest.
+// Printable ASCII: what counts as such, trimming to it, and masking everything else.
 #pragma once
 
 #include <string>

@@ -61,7 +61,7 @@ ScopedFd openRegularFile(const std::string& path) {
   ScopedFd file = openDescriptor(path, O_RDONLY);
   struct stat found {};
   if (file.valid() && (fstat(file.get(), &found) != 0 || !S_ISREG(found.st_mode))) {
-    (void)file.close();  // Only read: nothing to lose.
+    (void)file.close();  // only read: nothing to lose
     errno = 0;
   }
   return file;
@@ -138,7 +138,7 @@ bool writeOutput(int descriptor, std::string_view text) {
   sigset_t pipe_signal;
   sigset_t before;
   sigset_t pending;
-  (void)sigemptyset(&pipe_signal);  // None of these four can fail: the arguments are constants.
+  (void)sigemptyset(&pipe_signal);  // none of these four can fail: the arguments are constants
   (void)sigaddset(&pipe_signal, SIGPIPE);
   (void)sigpending(&pending);
   (void)pthread_sigmask(SIG_BLOCK, &pipe_signal, &before);
@@ -152,7 +152,7 @@ bool writeOutput(int descriptor, std::string_view text) {
 void fillStandardDescriptors() {
   for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO; ++descriptor) {
     // The lowest free number is taken, so this is the missing one.
-    if (fcntl(descriptor, F_GETFD) < 0) (void)open("/dev/null", O_RDWR | O_NOCTTY);  // Best effort.
+    if (fcntl(descriptor, F_GETFD) < 0) (void)open("/dev/null", O_RDWR | O_NOCTTY);  // best effort
   }
 }
 

@@ -47,7 +47,6 @@ std::vector<std::string>* listForEntry(const DirectoryStream& stream, const dire
 
 DirectoryListing listDirectory(const std::string& path) {
   DirectoryListing listing;
-  listing.path = path;
   if (path.empty()) {
     listing.status = Status(kInvalidArgument);
     return listing;

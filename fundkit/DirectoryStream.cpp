@@ -1,16 +1,16 @@
 #include "fundkit/DirectoryStream.h"
 
-#include <errno.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <cerrno>
 #include <string_view>
 
 namespace tunadm {
 
 DirectoryStream::DirectoryStream(ScopedFd directory)
     : stream_(directory.valid() ? fdopendir(directory.get()) : nullptr) {
-  if (stream_ != nullptr) (void)directory.take();  // The stream closes it from now on.
+  if (stream_ != nullptr) (void)directory.take();  // the stream closes it from now on
 }
 
 const dirent* DirectoryStream::next() {
@@ -28,7 +28,7 @@ const dirent* DirectoryStream::next() {
 
 unsigned char DirectoryStream::kindOf(const dirent& entry) const {
   if (entry.d_type != DT_UNKNOWN) return entry.d_type;
-  // Some file systems leave the kind out.
+  // Some file systems do not tell the kind.
   struct stat found {};
   if (fstatat(descriptor(), entry.d_name, &found, AT_SYMLINK_NOFOLLOW) != 0) return DT_UNKNOWN;
   return static_cast<unsigned char>(IFTODT(found.st_mode));

@@ -11,10 +11,10 @@ namespace tunadm {
 
 class DirectoryStream {
  public:
-  // Takes over an open directory. Not valid() when the descriptor is none, or no directory.
+  // Takes over an open directory. Not valid() when the descriptor is not that of a directory.
   explicit DirectoryStream(ScopedFd directory);
 
-  bool valid() const { return stream_ != nullptr; }
+  [[nodiscard]] bool valid() const { return stream_ != nullptr; }
 
   // For calls relative to the directory; stays owned by the stream.
   int descriptor() const { return dirfd(stream_.get()); }
@@ -22,14 +22,14 @@ class DirectoryStream {
   // The next entry other than "." and ".."; good until the next call. Null at the end and on
   // failure.
   const dirent* next();
-  bool failed() const { return failed_; }
+  [[nodiscard]] bool failed() const { return failed_; }
 
   // The kind of an entry as DT_..., of a link itself. DT_UNKNOWN only when it cannot be examined.
   unsigned char kindOf(const dirent& entry) const;
 
  private:
   struct Closer {
-    void operator()(DIR* stream) const { (void)closedir(stream); }  // Only read: nothing to lose.
+    void operator()(DIR* stream) const { (void)closedir(stream); }  // only read: nothing to lose
   };
 
   std::unique_ptr<DIR, Closer> stream_;

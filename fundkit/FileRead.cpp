@@ -72,7 +72,7 @@ LineRead readFirstLine(int directory, const char* path, std::string* line) {
   if (readLine(file.get(), line)) return LineRead::kRead;
   line->clear();
   const int error = errno;
-  (void)file.close();  // Only read: nothing to lose.
+  (void)file.close();  // only read: nothing to lose
   errno = error;
   return error == 0 ? LineRead::kNothing : LineRead::kError;
 }

@@ -33,7 +33,7 @@ Status openReplaced(const std::string& path, ScopedFd* file) {
   struct stat found {};
   if (fstat(file->get(), &found) != 0) return Status(kOpenFailed);
   if (S_ISREG(found.st_mode)) return Status(kSuccess);
-  (void)file->close();  // Only looked at.
+  (void)file->close();  // only looked at
   return Status(isRealDirectory(path) ? kOpenFailed : kSuccess);
 }
 
@@ -116,7 +116,7 @@ Status writeLines(const std::string& path, const std::vector<std::string>& lines
   ScopedFd file = openInPlace(path, O_CREAT, kLinesMode);
   if (!file.valid()) return Status(kOpenFailed);
   if (!replaceContent(file.get(), text, Flush::kNo)) return Status(kWriteFailed);
-  (void)fchmod(file.get(), kLinesMode);  // The content is complete whatever the mode.
+  (void)fchmod(file.get(), kLinesMode);  // the content is complete whatever the mode
   return Status(file.close() == 0 ? kSuccess : kWriteFailed);
 }
 

@@ -127,8 +127,8 @@ Status readFile(const std::string& path, std::string* content);
 
 enum class LineRead {
   kRead,
-  kNothing,  // Nothing is there, or not a regular file: a directory, a FIFO, a dead link.
-  kError,    // A file that could not be read; errno tells why (EFBIG: the line exceeds 1 MiB).
+  kNothing,  // nothing is there, or not a regular file: a directory, a FIFO, a dead link
+  kError,    // a file that could not be read; errno tells why (EFBIG: the line exceeds 1 MiB)
 };
 
 // Reads what precedes the first line feed or NUL byte, or else the whole of a regular file; an

@@ -10,7 +10,7 @@
 
 namespace tunadm {
 
-// Opens for replaceContent(), with `flags` as of open(2) besides; permission to write is enough.
+// Opens for replaceContent(); `flags` are further ones of open(2). Permission to write is enough.
 // Not valid on failure and for a FIFO, whose text would be lost.
 ScopedFd openInPlace(const std::string& path, int flags, mode_t mode = 0);
 

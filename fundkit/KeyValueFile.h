@@ -11,7 +11,7 @@
 
 namespace tunadm {
 
-// Two parallel lists. A key stands where it came first and has the value that came last.
+// Two parallel lists. A key has the place of its first occurrence and the value of its last.
 class KeyValueTable {
  public:
   // Adds the lines of `text` that hold `separator` and a key. Key and value are trimmed of bytes
@@ -37,7 +37,7 @@ class KeyValueTable {
 
 // Replaces the content of `table` by that of a file. False, with an empty table, when the path is
 // empty or the file cannot be read.
-bool readKeyValueFile(const std::string& path, char separator, std::optional<char> cut,
-                      KeyValueTable* table);
+[[nodiscard]] bool readKeyValueFile(const std::string& path, char separator,
+                                    std::optional<char> cut, KeyValueTable* table);
 
 }  // namespace tunadm

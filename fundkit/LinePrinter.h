@@ -11,7 +11,7 @@ namespace tunadm {
 // After a failed write nothing more is written, so that the output never has a hole.
 class LinePrinter {
  public:
-  // `descriptor` stays the caller's, and open as long as the printer lives.
+  // `descriptor` remains the caller's, who keeps it open as long as the printer lives.
   explicit LinePrinter(int descriptor) : descriptor_(descriptor) {}
   LinePrinter(const LinePrinter&) = delete;
   LinePrinter& operator=(const LinePrinter&) = delete;

@@ -48,7 +48,7 @@ ScopedFd openLockFile(int directory, const std::string& name, mode_t mode) {
   // Later runs by other users must be able to open the lock file where `mode` lets them.
   const mode_t old_umask = umask(0);
   ScopedFd file = openDescriptor(directory, name.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW, mode);
-  (void)umask(old_umask);  // Cannot fail.
+  (void)umask(old_umask);  // cannot fail
   struct stat found {};
   if (file.valid() && (fstat(file.get(), &found) != 0 || !S_ISREG(found.st_mode))) {
     return ScopedFd();
@@ -129,7 +129,7 @@ LockFile::~LockFile() {
   // Removed while still held: who locks the removed file next sees by the path that it is dead. A
   // file that another process has put at the path since is left alone.
   if (!held() || !nameLeadsToFile()) return;
-  (void)unlinkat(directory_.get(), name_.c_str(), 0);  // A lock file left behind does no harm.
+  (void)unlinkat(directory_.get(), name_.c_str(), 0);  // a lock file left behind does no harm
 }
 
 bool LockFile::nameLeadsToFile() const {
@@ -156,7 +156,7 @@ bool LockFile::tryAcquire(Blocking blocking, mode_t mode) {
     state_ = LockState::kUnavailable;
     return false;
   }
-  if (state_ != LockState::kHeld) (void)file_.close();  // Nothing was written to it.
+  if (state_ != LockState::kHeld) (void)file_.close();  // nothing was written to it
   return true;
 }
 

@@ -14,8 +14,8 @@ enum class Blocking { kNo, kYes };
 
 enum class LockState {
   kHeld,
-  kBusy,         // Another process holds it (only without blocking).
-  kUnavailable,  // The lock file or its directory cannot be opened or is not to be trusted.
+  kBusy,         // another process holds it (only without blocking)
+  kUnavailable,  // the lock file or its directory cannot be opened or is not to be trusted
 };
 
 // Held from construction to destruction. The lock file is removed on release, and still two

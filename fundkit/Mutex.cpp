@@ -30,8 +30,8 @@ std::int32_t wholeMilliseconds(Duration duration) {
 
 }  // namespace
 
-// A mutex with default attributes reports no failure to those who use it as told, so that the
-// results of these calls say nothing.
+// A mutex with default attributes reports no failure when it is used as the header demands, so the
+// results of these calls are of no interest.
 BasicMutex::~BasicMutex() { (void)pthread_mutex_destroy(&mutex_); }
 
 void BasicMutex::lock() { (void)pthread_mutex_lock(&mutex_); }
@@ -61,8 +61,8 @@ void TimedMutex::unlock() {
   const std::string holder = std::exchange(holder_, std::string());
   const Duration held = monotonicTime() - acquired_at_;
   acquired_at_ = 0;
-  // Once it is open, another thread may take the mutex for the last time and destroy it: what the
-  // warning needs is copied before.
+  // Once it is unlocked, another thread may take the mutex for the last time and destroy it: what
+  // the warning needs is copied first.
   const Duration threshold = hold_threshold_;
   const std::string name = held > threshold ? name_ : std::string();
   (void)pthread_mutex_unlock(&mutex_);

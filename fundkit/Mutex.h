@@ -1,6 +1,7 @@
-// Locks, plain or watched: a watched one reports who waited for it or held it for too long.
+// Locks, plain or watched: a watched one reports which thread waited for it, or held it, for too
+// long.
 //
-// All are held with std::lock_guard<Lockable>. None may be locked twice by one thread, opened by a
+// Hold them with std::lock_guard<Lockable>. None may be locked twice by one thread, unlocked by a
 // thread that does not hold it, or destroyed while it is held.
 #pragma once
 
@@ -46,10 +47,10 @@ class TimedMutex final : public Lockable {
   TimedMutex(const char* name, Duration acquire_threshold, Duration hold_threshold);
   ~TimedMutex() override;
 
-  // The contention handler runs in here with the lock taken, so it must not want this lock.
+  // The contention handler runs in here with the lock taken, so it must not take this lock.
   void lock() override;
 
-  // The hold handler runs in here when others may have the lock, or may have destroyed it.
+  // The hold handler runs in here when other threads may have taken the lock or destroyed it.
   void unlock() override;
 
  private:
@@ -58,8 +59,8 @@ class TimedMutex final : public Lockable {
   const Duration acquire_threshold_;
   const Duration hold_threshold_;
   // Both belong to the thread that has the lock.
-  TimePoint acquired_at_ = 0;  // On the monotonic clock; 0 when free.
-  std::string holder_;         // Thread name; empty when free.
+  TimePoint acquired_at_ = 0;  // on the monotonic clock; 0 when free
+  std::string holder_;         // thread name; empty when free
 };
 
 // The lock that the other modules use: watched if both thresholds are at least 1, else plain.
@@ -75,18 +76,19 @@ class PortableMutex final : public Lockable {
   const std::unique_ptr<Lockable> implementation_;
 };
 
-// Told the name of the mutex, the thread that has or had it, the threshold and what was measured.
-// The texts are good until the handler returns. Any thread that locks may be the caller.
+// Called with the name of the mutex, the thread that has or had it, the threshold and what was
+// measured. The texts are valid until the handler returns. Any thread that uses a lock may be the
+// caller.
 using LockWarningHandler = void (*)(const char* mutex_name, const char* holder, Duration threshold,
                                     Duration measured);
 
-// Install a handler for the whole process; null brings the default back. Safe at any time, though
-// a warning under way may still reach the handler before.
+// Install a handler for the whole process; null restores the default. Safe at any time, though a
+// warning under way may still reach the previous handler.
 void setContentionHandler(LockWarningHandler handler);
 void setLongHoldHandler(LockWarningHandler handler);
 
 // The default handlers: one line on standard error, with `measured` in whole milliseconds. What
-// exceeds 32 bits there (24 days) keeps its lower 32 bits.
+// exceeds 32 bits (24 days) keeps its lower 32 bits.
 void warnOfContention(const char* mutex_name, const char* holder, Duration threshold,
                       Duration measured);
 void warnOfLongHold(const char* mutex_name, const char* holder, Duration threshold,

@@ -15,7 +15,7 @@ std::string prepareDirectory(const char* variable, const char* fallback) {
   const char* value = secure_getenv(variable);
   std::string directory = value == nullptr || *value == '\0' ? fallback : value;
   if (directory.back() != '/') directory += '/';
-  (void)makeDirectory(directory, kDirectoryMode);  // Using it shows whether it is there.
+  (void)makeDirectory(directory, kDirectoryMode);  // using it shows whether it is there
   return directory;
 }
 

@@ -1,9 +1,9 @@
 // Sole owner of a file descriptor.
 #pragma once
 
-#include <errno.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <utility>
 
 namespace tunadm {
@@ -11,7 +11,7 @@ namespace tunadm {
 class ScopedFd {
  public:
   explicit ScopedFd(int descriptor = -1) : descriptor_(descriptor) {}
-  // A failed close is lost here: whoever wrote to the descriptor calls close() before.
+  // A failed close goes unnoticed here: after writing, call close() first.
   ~ScopedFd() { (void)close(); }
   ScopedFd(ScopedFd&& other) noexcept : descriptor_(other.take()) {}
   ScopedFd& operator=(ScopedFd&& other) noexcept {
@@ -22,12 +22,12 @@ class ScopedFd {
   ScopedFd& operator=(const ScopedFd&) = delete;
 
   int get() const { return descriptor_; }
-  bool valid() const { return descriptor_ >= 0; }
+  [[nodiscard]] bool valid() const { return descriptor_ >= 0; }
 
-  // Gives the descriptor away; the caller closes it.
-  int take() { return std::exchange(descriptor_, -1); }
+  // Hands over the descriptor; the caller closes it.
+  [[nodiscard]] int take() { return std::exchange(descriptor_, -1); }
 
-  // Closes the descriptor, if there is one. Gives 0 or the errno of close. EINTR is neither a
+  // Closes the descriptor, if there is one. Returns 0 or the errno of close. EINTR is neither a
   // failure nor a reason to try again: Linux has released the number by then (close(2)), and
   // someone else may own it already.
   int close() {

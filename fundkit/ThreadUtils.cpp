@@ -11,7 +11,7 @@ bool setThreadName(const char* name) {
 
 std::string threadName() {
   char name[300];
-  if (pthread_getname_np(pthread_self(), name, sizeof name) != 0) {
+  if (pthread_getname_np(pthread_self(), name, sizeof(name)) != 0) {
     return "<error in pthread_getname>";
   }
   return name;

@@ -1,10 +1,10 @@
 #include "fundkit/UniqueFile.h"
 
-#include <errno.h>
 #include <fcntl.h>
-#include <stdlib.h>
 
+#include <cerrno>
 #include <cstddef>
+#include <cstdlib>
 #include <cstring>
 
 #include "fundkit/BasicLog.h"
@@ -28,10 +28,10 @@ ScopedStream createUnique(const char* path) {
   }
   ScopedStream stream(fdopen(file.get(), "w+"));
   if (stream == nullptr) {
-    (void)removeFile(path);  // Empty and unused; the attempt has failed already.
+    (void)removeFile(path);  // empty and unused; the attempt has failed already
     return nullptr;
   }
-  (void)file.take();  // The stream closes it from now on.
+  (void)file.take();  // the stream closes it from now on
   return stream;
 }
 
@@ -43,8 +43,7 @@ ScopedStream makeUniqueFile(const std::string& base, std::string* name) {
     char path[kNameBufferSize];
     const int length = std::snprintf(path, sizeof(path), "%s.XXXXXX", base.c_str());
     if (length < 0 || static_cast<std::size_t>(length) >= sizeof(path)) return nullptr;
-    // Safe although it only proposes a name: the exclusive open refuses one that is taken
-    // meanwhile.
+    // Safe although it only proposes a name: the exclusive open refuses one that exists by then.
     (void)mktemp(path);  // NOLINT(clang-analyzer-security.insecureAPI.mktemp): see above.
     ScopedStream stream = createUnique(path);
     if (stream != nullptr) {

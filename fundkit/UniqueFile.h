@@ -1,4 +1,4 @@
-// New files with names that nobody else uses.
+// New files with names that were not in use.
 #pragma once
 
 #include <cstdio>
@@ -8,14 +8,14 @@
 namespace tunadm {
 
 struct StreamCloser {
-  // Whoever needs to know whether the data arrived calls fflush before.
+  // A failure goes unnoticed here: to know whether the data has been written, call fflush first.
   void operator()(FILE* stream) const { (void)std::fclose(stream); }
 };
 using ScopedStream = std::unique_ptr<FILE, StreamCloser>;
 
 // Creates a file named after `base` with a dot and six further characters, mode 0644, open for
-// reading and writing. Gives none, and leaves `name` unchanged, when the base is empty or longer
-// than the name buffer, or after 11 attempts; each failed open is logged.
-ScopedStream makeUniqueFile(const std::string& base, std::string* name);
+// reading and writing. Null, with `name` unchanged, when the base is empty or the name would exceed
+// 4095 bytes, and after 11 attempts; each failed open is logged.
+[[nodiscard]] ScopedStream makeUniqueFile(const std::string& base, std::string* name);
 
 }  // namespace tunadm

@@ -77,8 +77,8 @@ Status WorkFile::fail(StatusCode failure) {
 }
 
 void WorkFile::discard() {
-  (void)file_.close();                                 // Its content is not wanted.
-  if (work_exists_) (void)unlink(work_path_.c_str());  // The next work file removes it again.
+  (void)file_.close();                                 // its content is not wanted
+  if (work_exists_) (void)unlink(work_path_.c_str());  // the next work file removes it again
   work_exists_ = false;
 }
 
