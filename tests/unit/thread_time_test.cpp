@@ -1,8 +1,13 @@
 #include <gtest/gtest.h>
-#include <stdlib.h>
+#include <pthread.h>
 
+#include <csignal>
 #include <cstdint>
+#include <cstdlib>
+#include <ctime>
+#include <initializer_list>
 #include <mutex>
+#include <set>
 #include <string>
 #include <thread>
 #include <utility>
@@ -10,6 +15,7 @@
 
 #include "fundkit/Duration.h"
 #include "fundkit/Mutex.h"
+#include "fundkit/SignalHold.h"
 #include "fundkit/ThreadUtils.h"
 #include "fundkit/TimeUtils.h"
 #include "fundkit/Timestamp.h"
@@ -25,7 +31,8 @@ void passTime() {
 }
 
 std::string noted(const char* name, const char* holder, Duration threshold, Duration measured) {
-  EXPECT_TRUE(measured >= threshold && measured < kMinute);
+  EXPECT_GE(measured, 1000);
+  EXPECT_LT(measured, kMinute);
   return std::string(name) + "," + holder + "," + std::to_string(threshold);
 }
 
@@ -37,26 +44,45 @@ void noteLongHold(const char* name, const char* holder, Duration threshold, Dura
   long_hold = noted(name, holder, threshold, measured);
 }
 
+TEST(ThreadName, OfUpToFifteenBytes) {
+  std::string seen;
+  std::thread named([&seen] {
+    EXPECT_TRUE(setThreadName("fifteen bytes.."));
+    for (const char* refused : {"sixteen bytes...", "", static_cast<const char*>(nullptr)})
+      EXPECT_FALSE(setThreadName(refused));
+    seen = threadName();
+  });
+  named.join();
+  EXPECT_EQ(seen, "fifteen bytes..");
+}
+
 TEST(Mutex, HoldThresholds) {
   setLongHoldHandler(&noteLongHold);
   ASSERT_TRUE(setThreadName("holder"));
   const auto reportOf = [](Lockable&& mutex) {
     long_hold.clear();
-    mutex.lock();
-    passTime();
-    mutex.unlock();
+    for (int i = 0; i < 2; ++i) {
+      mutex.lock();
+      passTime();
+      mutex.unlock();
+    }
     return long_hold;
   };
   EXPECT_EQ(reportOf(TimedMutex("", kDay, -5)), "<unnamed mutex>,holder,0");
+  EXPECT_EQ(reportOf(TimedMutex(nullptr, kDay, 0)), "<unnamed mutex>,holder,0");
   EXPECT_EQ(reportOf(PortableMutex("a", kDay, 1)), "a,holder,1");
   EXPECT_EQ(reportOf(PortableMutex("d", kDay, kDay)), "");
+  EXPECT_EQ(reportOf(PortableMutex("plain", 0, 1)) + reportOf(PortableMutex("plain", 1, 0)), "");
+  EXPECT_EQ(reportOf(PortableMutex()), "");
 }
 
-TEST(Mutex, WarnsOfTheWaiter) {
-  setContentionHandler(&noteContention);
-  TimedMutex mutex("m", 1000, kDay);
+// What is noted when another thread waits for a mutex of this threshold for some 3 milliseconds.
+std::string contentionOf(Duration threshold) {
+  contention.clear();
+  TimedMutex mutex("m", threshold, kDay);
   // In the first round already, unless the waiter starts late.
-  for (int round = 0; round < 1000 && contention.empty(); ++round) {
+  const int rounds = threshold < kDay ? 1000 : 1;
+  for (int round = 0; round < rounds && contention.empty(); ++round) {
     mutex.lock();
     std::thread waiter([&mutex] {
       EXPECT_TRUE(setThreadName("waiter"));
@@ -66,7 +92,32 @@ TEST(Mutex, WarnsOfTheWaiter) {
     mutex.unlock();
     waiter.join();
   }
-  EXPECT_EQ(contention, "m,waiter,1000");
+  return contention;
+}
+
+TEST(Mutex, WarnsOfTheWaiter) {
+  setContentionHandler(&noteContention);
+  EXPECT_EQ(contentionOf(1000), "m,waiter,1000");
+  EXPECT_EQ(contentionOf(kDay), "");
+}
+
+TEST(Mutex, DefaultWarnings) {
+  setContentionHandler(nullptr);
+  setLongHoldHandler(nullptr);
+  testing::internal::CaptureStderr();
+  TimedMutex mutex("", kDay, 0);
+  mutex.lock();
+  passTime();
+  mutex.unlock();
+  const std::string hold = testing::internal::GetCapturedStderr();
+  EXPECT_TRUE(hold.starts_with("lock warning, '<unnamed mutex>' held for ")) << hold;
+  testing::internal::CaptureStderr();
+  warnOfContention("m", "holder", 1000, 2500);
+  warnOfLongHold("m", "holder", 1000, -2999);
+  warnOfLongHold("m", "holder", 1, (std::int64_t{1} << 32) * 1000);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "lock contention warning, 'm' took 2ms to acquire\n"
+            "lock warning, 'm' held for -2ms\nlock warning, 'm' held for 0ms\n");
 }
 
 using ParseCase = std::pair<std::int64_t, std::vector<const char*>>;
@@ -83,18 +134,23 @@ TEST(Duration, ParseAndFormat) {
   for (const auto& [result, texts] : cases)
     for (const char* text : texts) EXPECT_EQ(parseDuration(text), result) << text;
   std::string texts;
-  for (const std::int64_t duration :
-       {0L, 1L, 2000L, 9999L, 10001L, 9999999L, 10000000L, 90000000L, 599999999L, 600000000L,
-        10000000000L, 36000000000L, 863999999999L, 867600000000L, -3000000L, INT64_MIN}) {
+  for (const std::int64_t duration : std::initializer_list<std::int64_t>{
+           0,           1,           1500,         2000,         9999,
+           10001,       9999999,     10000000,     90000000,     120000000,
+           599999999,   600000000,   7199999999,   7200000000,   10000000000,
+           36000000000, 86400000000, 863999999999, 867600000000, 950400000000,
+           -3000000,    INT64_MIN}) {
     texts += formatDuration(duration) + ", ";
   }
   EXPECT_EQ(texts,
-            "0 seconds, 1 usec, 2 ms, 9999 usecs, 10 ms, 9999 ms, 10 secs, 90 secs, 599 secs, "
-            "10 mins, 166 mins, 10 hrs, 239 hrs, 10 days, -3 secs, -106751991 days, ");
+            "0 seconds, 1 usec, 1500 usecs, 2 ms, 9999 usecs, 10 ms, 9999 ms, 10 secs, 90 secs, "
+            "2 mins, 599 secs, 10 mins, 119 mins, 2 hrs, 166 mins, 10 hrs, 1 day, 239 hrs, "
+            "10 days, 11 days, -3 secs, -106751991 days, ");
 }
 
-TEST(Timestamp, FormatParseAndNames) {
+TEST(Timestamp, FormatAndParse) {
   EXPECT_EQ(formatTimestamp(999999, false, ' '), "1970-01-01 00:00:00");
+  EXPECT_EQ(formatTimestamp(-1, true, ' '), "1969-12-31 23:59:59.999999");
   EXPECT_EQ(formatTimestamp(1709210096012345, true, 'T'), "2024-02-29T12:34:56.012345");
   const ParseCase cases[] = {
       {1709210096000000, {"2024-02-29T12:34:56", "2024-2-29T 12:34:56.9", "2023-13-60T11:94:56"}},
@@ -102,15 +158,75 @@ TEST(Timestamp, FormatParseAndNames) {
       {0, {"20240-02-29T12:34:56", "2024-02-29 12:34:56", "2024-02-29T12:34:", ""}}};
   for (const auto& [result, texts] : cases)
     for (const char* text : texts) EXPECT_EQ(parseTimestamp(text), result) << text;
+}
+
+TEST(Timestamp, DateStampedNames) {
   using enum StampPrecision;
-  EXPECT_EQ(dateStampedName("log.", 1709210096012345, ".gz", kToDay), "log.20240229.gz");
+  const std::pair<StampPrecision, const char*> cases[] = {{kToDay, "log.20240229.gz"},
+                                                          {kToHour, "log.20240229-12.gz"},
+                                                          {kToMinute, "log.20240229-1234.gz"},
+                                                          {kToSecond, "log.20240229-123456.gz"}};
+  for (const auto& [precision, name] : cases)
+    EXPECT_EQ(dateStampedName("log.", 1709210096012345, ".gz", precision), name);
+  const TimePoint now = currentTime();
+  EXPECT_NEAR(static_cast<double>(now / kSecond), static_cast<double>(std::time(nullptr)), 60);
+  const std::string stamp = dateStampedName(nullptr, 0, nullptr, kToSecond);
+  EXPECT_GE(stamp, dateStampedName("", now, "", kToSecond));
+  EXPECT_LE(stamp, dateStampedName("", currentTime(), "", kToSecond));
 }
 
 TEST(LocalTime, StandardOffsetAllYear) {
   ASSERT_EQ(setenv("TZ", "XST-2XDT,M3.2.0,M11.1.0", 1), 0);  // Daylight saving in April.
   EXPECT_EQ(toLocalTime(-1), 7199999999);
   EXPECT_EQ(toUtc(7199999999), -1);
-  unsetenv("TZ");
+  EXPECT_EQ(unsetenv("TZ"), 0);
+}
+
+// The signals that are held back now.
+std::set<int> heldSignals() {
+  sigset_t mask;
+  EXPECT_EQ(pthread_sigmask(SIG_SETMASK, nullptr, &mask), 0);
+  std::set<int> held;
+  for (int number = 1; number < SIGRTMIN; ++number)
+    if (sigismember(&mask, number) == 1) held.insert(number);
+  return held;
+}
+
+TEST(SignalHold, AllButThoseOfTheProcessItself) {
+  const std::set<int> none = heldSignals();
+  std::set<int> all;
+  for (int number = 1; number < 32; ++number) all.insert(number);
+  for (const int number :
+       {SIGKILL, SIGSTOP, SIGCHLD, SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGSYS, SIGABRT})
+    all.erase(number);
+  {
+    const SignalHold outer;
+    const SignalHold inner;
+    EXPECT_EQ(heldSignals(), all);
+    {
+      const SignalRelease release;
+      EXPECT_EQ(heldSignals(), none);
+      const SignalHold again;
+      EXPECT_EQ(heldSignals(), all);
+    }
+    EXPECT_EQ(heldSignals(), all);
+  }
+  const SignalRelease without_a_hold;
+  EXPECT_EQ(heldSignals(), none);
+}
+
+TEST(SignalHold, ResetForAnotherProgram) {
+  EXPECT_EXIT(
+      {
+        const SignalHold hold;
+        (void)std::signal(SIGHUP, SIG_IGN);
+        (void)std::signal(SIGUSR1, [](int) {});
+        resetSignals();
+        const bool defaults =
+            std::signal(SIGHUP, SIG_IGN) == SIG_DFL && std::signal(SIGUSR1, SIG_IGN) == SIG_DFL;
+        std::_Exit(defaults && heldSignals().empty() ? 0 : 1);
+      },
+      testing::ExitedWithCode(0), "");
 }
 
 }  // namespace
