@@ -58,7 +58,7 @@ std::vector<std::string_view> SysImplParam::values() const { return systemNames(
 const std::string& SysImplParam::resolve() {
   if (value_.empty()) value_ = probeInitSystem();
   if (value_.empty()) value_ = "null";
-  (void)accept();  // always true
+  markPresented();
   return value_;
 }
 

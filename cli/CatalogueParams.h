@@ -55,7 +55,7 @@ class OptionalLogLevelParam final : public InputParamBase {
   // The text as it was given; empty when none was.
   const std::string& given() const { return given_; }
 
-  bool setFromText(std::string_view text) override;
+  [[nodiscard]] bool setFromText(std::string_view text) override;
   void appendHint(std::string* text) const override;
   std::vector<std::string_view> values() const override;
   std::string_view description() const override { return "log level"; }
@@ -75,7 +75,7 @@ class HelmsmanParam final : public InputParamBase {
   int port() const { return port_; }
 
   // An empty text clears the value and is refused.
-  bool setFromText(std::string_view text) override;
+  [[nodiscard]] bool setFromText(std::string_view text) override;
   void appendHint(std::string* text) const override { text->append("addr:port"); }
   std::string_view description() const override { return "helmsman address, in host:port form"; }
 
@@ -94,7 +94,7 @@ class SysImplParam final : public InputParamBase {
   const std::string& resolve();
 
   // An empty text stands for the init system that the host shows, if it shows one.
-  bool setFromText(std::string_view text) override;
+  [[nodiscard]] bool setFromText(std::string_view text) override;
   void appendHint(std::string* text) const override { text->append("sys-impl"); }
   std::vector<std::string_view> values() const override;
   bool hintTellsValues() const override { return false; }

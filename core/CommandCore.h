@@ -39,7 +39,7 @@ class TunadmCommandInstance {
 
   // Sets the flags when `word` is one of kOptionWords (exact comparison) and returns true; of
   // --quiet and --verbose, and of --json and --text, the last one counts.
-  bool applyOption(std::string_view word);
+  [[nodiscard]] bool applyOption(std::string_view word);
 
   // Hands the text lines of the result to `out`: of a success every field, of a failure only the
   // status.

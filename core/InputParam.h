@@ -17,10 +17,10 @@ class NamedValueBinder {
   virtual ~NamedValueBinder() = default;
 
   // Each returns whether the value was accepted; a refused one leaves the old value.
-  virtual bool setFromText(std::string_view text);
-  virtual bool setFromInteger(std::int32_t number);
-  virtual bool setFromBoolean(bool truth);
-  virtual bool setFromNamedText(std::string_view name, std::string_view text);
+  [[nodiscard]] virtual bool setFromText(std::string_view text);
+  [[nodiscard]] virtual bool setFromInteger(std::int32_t number);
+  [[nodiscard]] virtual bool setFromBoolean(bool truth);
+  [[nodiscard]] virtual bool setFromNamedText(std::string_view name, std::string_view text);
 };
 
 class InputParamBase;
@@ -61,9 +61,11 @@ class InputParamBase : public NamedValueBinder {
   // Appends itself to `list`: declaration order is construction order.
   InputParamBase(ParamList* list, std::string_view name, Required required);
 
-  // For the end of an accepting setter.
-  bool accept() {
-    presented_ = true;
+  void markPresented() { presented_ = true; }
+
+  // For a setter to return when it has accepted a value.
+  [[nodiscard]] bool accept() {
+    markPresented();
     return true;
   }
 
@@ -83,7 +85,7 @@ class StringParam : public InputParamBase {
 
   const std::string& value() const { return value_; }
 
-  bool setFromText(std::string_view text) override;
+  [[nodiscard]] bool setFromText(std::string_view text) override;
   void appendHint(std::string* text) const override { text->append("string"); }
   std::string_view description() const override { return "string"; }
 
@@ -100,8 +102,8 @@ class IntParam final : public InputParamBase {
 
   std::int32_t value() const { return value_; }
 
-  bool setFromText(std::string_view text) override;
-  bool setFromInteger(std::int32_t number) override;
+  [[nodiscard]] bool setFromText(std::string_view text) override;
+  [[nodiscard]] bool setFromInteger(std::int32_t number) override;
   void appendHint(std::string* text) const override { text->append("integer"); }
   std::string_view description() const override { return "integer"; }
 
@@ -117,8 +119,8 @@ class BoolParam final : public InputParamBase {
 
   bool value() const { return value_; }
 
-  bool setFromText(std::string_view text) override;
-  bool setFromBoolean(bool truth) override;
+  [[nodiscard]] bool setFromText(std::string_view text) override;
+  [[nodiscard]] bool setFromBoolean(bool truth) override;
   void appendHint(std::string* text) const override { text->append("boolean"); }
   std::vector<std::string_view> values() const override { return {"true", "false"}; }
   std::string_view description() const override { return "boolean"; }
@@ -140,7 +142,7 @@ class SingleWordParam final : public InputParamBase {
 
   bool present() const { return value_ == kWordPresent; }
 
-  bool setFromText(std::string_view text) override;
+  [[nodiscard]] bool setFromText(std::string_view text) override;
   void appendHint(std::string*) const override {}
   bool isSingleWord() const override { return true; }
   bool needsValue() const override { return false; }

@@ -14,6 +14,6 @@ void setPrivilegeMode(PrivilegeMode mode);
 
 // Each operation that changes the system asks this at the moment it acts, and reports
 // kAuthRequired when the answer is no.
-bool isPrivileged();
+[[nodiscard]] bool isPrivileged();
 
 }  // namespace tunadm

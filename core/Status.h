@@ -43,7 +43,9 @@ inline constexpr StatusCode kInternalError = 0x24000001;
 inline constexpr StatusCode kUnimplemented = 0x24000002;
 
 // True when the category of `code` is 0, so for code 0 too, whose text is "invalid status code".
-constexpr bool isSuccess(StatusCode code) { return (static_cast<std::uint32_t>(code) >> 24) == 0; }
+[[nodiscard]] constexpr bool isSuccess(StatusCode code) {
+  return (static_cast<std::uint32_t>(code) >> 24) == 0;
+}
 
 // A status code with two texts: what exactly went wrong, and what was being done.
 class [[nodiscard]] Status {

@@ -8,7 +8,8 @@
 
 namespace tunadm {
 
-// Receives named values. The defaults do nothing and report failure.
+// Receives named values. The defaults do nothing and report failure; a result field may drop the
+// answer, because a sink leaves out what it refuses.
 class ValueBinder {
  public:
   ValueBinder() = default;
