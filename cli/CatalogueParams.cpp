@@ -41,7 +41,7 @@ bool HelmsmanParam::setFromText(std::string_view text) {
   port_ = kHelmsmanPort;
   if (text.empty()) return false;
   if (colon != std::string_view::npos) {
-    // As atoi does it, but defined for every number: what is no port is dealt with when it is used.
+    // Like atoi, but defined for every number. Whether it is a port is checked where it is used.
     const std::string digits(text.substr(colon + 1));
     port_ = static_cast<int>(std::strtol(digits.c_str(), nullptr, 10));
   }

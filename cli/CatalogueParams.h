@@ -9,7 +9,8 @@
 
 namespace tunadm {
 
-// "profile": which profile a command acts on. Hidden, as the name stands among the command's words.
+// "profile": which profile a command acts on. Hidden: its value is one of the command's
+// words.
 class OptionalProfileParam final : public StringParam {
  public:
   OptionalProfileParam(ParamList* list, std::string_view default_value)
@@ -71,7 +72,7 @@ class HelmsmanParam final : public InputParamBase {
   HelmsmanParam(ParamList* list, Required required);
 
   const std::string& host() const { return host_; }
-  // Unchecked: what atoi reads behind the first ":", 8096 when there is no ":".
+  // Unchecked: what atoi reads after the first ":", or 8096 when there is no ":".
   int port() const { return port_; }
 
   // An empty text clears the value and is refused.
@@ -89,11 +90,11 @@ class SysImplParam final : public InputParamBase {
  public:
   explicit SysImplParam(ParamList* list) : InputParamBase(list, "sys", Required::kNo) {}
 
-  // The name of the init system to use: the one given, else the one that the host shows, else
-  // "null". Counts as presented from then on.
+  // The name of the init system to use: the given one, else the one that the host's marker files
+  // show, else "null". The parameter counts as presented afterwards.
   const std::string& resolve();
 
-  // An empty text stands for the init system that the host shows, if it shows one.
+  // An empty text means the init system that the host's marker files show, if any.
   [[nodiscard]] bool setFromText(std::string_view text) override;
   void appendHint(std::string* text) const override { text->append("sys-impl"); }
   std::vector<std::string_view> values() const override;

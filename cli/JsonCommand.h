@@ -1,4 +1,4 @@
-// The command that takes a request object.
+// The command that takes a request in JSON form.
 #pragma once
 
 #include <string_view>

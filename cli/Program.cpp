@@ -45,7 +45,8 @@ void surviveFileSizeLimit() {
 
 int runProgram(int argc, char** argv) {
   fillStandardDescriptors();
-  (void)std::signal(SIGCHLD, SIG_DFL);  // a caller that ignores it would take our children's ends
+  // With an inherited SIG_IGN, waitpid could not tell how a child ended.
+  (void)std::signal(SIGCHLD, SIG_DFL);
   surviveFileSizeLimit();
   if (argc < 2) {
     printUsage(argc == 1 ? argv[0] : "tunadm");

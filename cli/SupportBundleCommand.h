@@ -1,4 +1,4 @@
-// Support for whoever looks into a host's trouble.
+// The command that writes a support bundle.
 #pragma once
 
 #include <string_view>

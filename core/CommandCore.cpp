@@ -15,7 +15,7 @@ Status bindError(std::string_view message, std::string_view subject) {
   return Status(kInvalidArgument, std::string(message).append(subject), "bind_json_args");
 }
 
-// The first of that name, or null.
+// The first parameter of that name, or null.
 InputParamBase* findParam(const TunadmCommandInstance& command, std::string_view name) {
   for (InputParamBase* param : command.params()) {
     if (param->name() == name) return param;
@@ -23,7 +23,7 @@ InputParamBase* findParam(const TunadmCommandInstance& command, std::string_view
   return nullptr;
 }
 
-// Toward zero; what does not fit becomes the nearest end of the range, a NaN 0.
+// Truncates toward zero. A number out of range becomes the nearest limit, a NaN becomes 0.
 std::int32_t truncateNumber(double number) {
   if (number != number) return 0;
   if (number >= std::numeric_limits<std::int32_t>::max()) {
@@ -62,12 +62,13 @@ Status bindMember(const TunadmCommandInstance& command, std::string_view name,
       param->isSingleWord() ? "illegal single-word input: " : "illegal value presented: ", shown);
 }
 
-// The naming words come first on the line, so their options are applied first.
+// Options among the naming words are applied first, because these words come first on the line.
 void addCommandName(TunadmCommandInstance* command, const jsObject* words, std::size_t consumed,
                     jsObject* naming) {
   for (std::size_t i = 0; i < consumed && i < arraySize(words); ++i) {
     const jsObject* const word = arrayAt(words, i);
-    if (isString(word)) (void)command->applyOption(stringView(word));  // a naming word all the same
+    if (isString(word))
+      (void)command->applyOption(stringView(word));  // it names the command all the same
     appendValue(naming, deepCopy(word));
   }
 }

@@ -1,5 +1,5 @@
-// One invocation of a command: its parameters, its result fields, and how words are bound to the
-// former and text lines made of the latter.
+// One invocation of a command: how words are bound to its parameters, and how its result fields are
+// rendered as text lines.
 #pragma once
 
 #include <cstddef>
@@ -19,7 +19,7 @@ namespace tunadm {
 inline constexpr std::string_view kOptionWords[] = {"--quiet", "--verbose", "--json", "--text"};
 
 // The base of every command. A concrete command declares its parameters and result fields as
-// members; each enters itself in the lists here, behind the common ones.
+// members; each adds itself to the lists here, after the common ones.
 class TunadmCommandInstance {
  public:
   // Does the command's work: reads the parameters, fills the result fields and sets the status of
@@ -37,12 +37,12 @@ class TunadmCommandInstance {
   const OutputFlags& flags() const { return flags_; }
   StatusCodeResultField& statusField() { return status_; }
 
-  // Sets the flags when `word` is one of kOptionWords (exact comparison) and returns true; of
-  // --quiet and --verbose, and of --json and --text, the last one counts.
+  // If `word` is exactly one of kOptionWords, sets its flag and returns true. Of --quiet and
+  // --verbose the last one counts, and so it does of --json and --text.
   [[nodiscard]] bool applyOption(std::string_view word);
 
-  // Hands the text lines of the result to `out`: of a success every field, of a failure only the
-  // status.
+  // Hands the text lines of the result to `out`: every field of a success, only the status of a
+  // failure.
   void render(const LineReceiver& out) const;
 
  protected:
@@ -62,19 +62,21 @@ class TunadmCommandInstance {
   StatusCodeResultField status_;
 };
 
-// Adds a parameter word to an argument object: a name with the value behind its first equals sign,
-// or, without one, with the value kWordPresent. A word without a name is dropped.
+// Adds a parameter word to an argument object: the name before its first equals sign, with all text
+// after that sign as its value. A word without an equals sign is a name with the value
+// kWordPresent. A word without a name is dropped.
 void addWordAsMember(jsObject* arguments, std::string_view word);
 
 // Binds command-line words to the parameters of `command`. `words` is a JSON array of strings; its
 // first `consumed` elements named the command. Options are applied wherever they stand. A word with
 // an equals sign is a parameter and its value, any other word a parameter that is switched on.
-// Fails with kInvalidArgument and texts that say why; parameters bound before keep their values.
+// Fails with kInvalidArgument and texts that say why; parameters that were bound before the failure
+// keep their values.
 Status bindCommandWords(TunadmCommandInstance* command, const jsObject* words,
                         std::size_t consumed);
 
-// Binds the members of a JSON object to the parameters of those names; "command_name" is skipped,
-// any other unknown name is an error, and so is a required parameter that is not there. Fails with
+// Binds the members of a JSON object to the parameters of the same names. Skips "command_name". Any
+// other unknown name is an error, and so is a missing required parameter. Fails with
 // kInvalidArgument as above.
 Status bind_json_args(TunadmCommandInstance* command, const jsObject* arguments);
 

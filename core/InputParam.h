@@ -16,7 +16,7 @@ class NamedValueBinder {
   NamedValueBinder& operator=(const NamedValueBinder&) = delete;
   virtual ~NamedValueBinder() = default;
 
-  // Each returns whether the value was accepted; a refused one leaves the old value.
+  // Each returns whether the value was accepted. A refused one leaves the old value in place.
   [[nodiscard]] virtual bool setFromText(std::string_view text);
   [[nodiscard]] virtual bool setFromInteger(std::int32_t number);
   [[nodiscard]] virtual bool setFromBoolean(bool truth);
@@ -30,7 +30,7 @@ using ParamList = std::vector<InputParamBase*>;
 
 enum class Required : std::uint8_t { kNo = 0, kYes = 1 };
 
-// One input parameter. It starts not presented; the first accepted value presents it for good.
+// One input parameter. It becomes presented with the first accepted value and stays so.
 class InputParamBase : public NamedValueBinder {
  public:
   const std::string& name() const { return name_; }
@@ -54,7 +54,7 @@ class InputParamBase : public NamedValueBinder {
   virtual bool needsValue() const { return true; }
   virtual bool isSatisfied() const { return presented() || !required(); }
 
-  // The word or words by which help describes the parameter.
+  // A few words that describe the parameter in help.
   virtual std::string_view description() const = 0;
 
  protected:
@@ -93,8 +93,8 @@ class StringParam : public InputParamBase {
   std::string value_;
 };
 
-// A base-10 integer of 32 bits. A text may have leading blanks and a sign; nothing may follow the
-// digits, and a number out of range is refused.
+// A base-10 integer of 32 bits. A text may have leading blanks and a sign; text after the digits
+// and a number out of range are refused.
 class IntParam final : public InputParamBase {
  public:
   IntParam(ParamList* list, std::string_view name, std::int32_t default_value, Required required)
@@ -129,8 +129,8 @@ class BoolParam final : public InputParamBase {
   bool value_;
 };
 
-// The two states of a single-word parameter. The first is also the value that binding gives to any
-// word without an equals sign.
+// The two states of a single-word parameter. Binding uses the first as the value of any word
+// without an equals sign.
 inline constexpr std::string_view kWordPresent = "<single-word-command-present>";
 inline constexpr std::string_view kWordAbsent = "<single-word-command-absent>";
 
@@ -152,7 +152,7 @@ class SingleWordParam final : public InputParamBase {
   std::string value_;
 };
 
-// The "auth" text that every command takes; nothing examines it.
+// The "auth" text that every command accepts and none examines.
 class AuthParam final : public StringParam {
  public:
   explicit AuthParam(ParamList* list) : StringParam(list, "auth", "", Required::kNo) {}

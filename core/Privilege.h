@@ -9,7 +9,7 @@ enum class PrivilegeMode {
   kRootOnly = 2,  // real and effective user ID are both 0
 };
 
-// Process-wide; set once at start. Until then nobody is privileged.
+// Process-wide; set once at start. Until then, nothing is privileged.
 void setPrivilegeMode(PrivilegeMode mode);
 
 // Each operation that changes the system asks this at the moment it acts, and reports

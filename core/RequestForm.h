@@ -6,11 +6,11 @@
 
 namespace tunadm {
 
-// Makes the request object of `count` command-line words, the program's name first: "method" (the
-// two command words), a string for each parameter word, and "command_args" (all words but the
-// program's name). A word without an equals sign becomes a member that holds kWordPresent; one
-// without a name is no member. A parameter called "method" takes that member's place. Fails
-// with kInvalidCommand for fewer than three words; `request` is left as it was then.
+// Makes the request object for `count` command-line words, the program's name first: "method" (the
+// two command words), a string for each parameter word, and "command_args" (all words except the
+// program's name). Parameter words become members as addWordAsMember describes it; one called
+// "method" replaces that member. With fewer than three words it fails with kInvalidCommand and
+// leaves `request` as it was.
 Status buildRequest(int count, const char* const* words, ScopedJson* request);
 
 }  // namespace tunadm

@@ -23,8 +23,9 @@ void StatusCodeResultField::render(ValueBinder& out) const {
     out.addText("status_text", text);
   }
   if (flags_->verbose || failed) {
-    char code[sizeof "0x00000000"];
-    std::snprintf(code, sizeof code, "0x%08x", static_cast<unsigned>(status_.code()));
+    char code[sizeof("0x00000000")];
+    (void)std::snprintf(code, sizeof(code), "0x%08x",
+                        static_cast<unsigned>(status_.code()));  // always fits
     out.addText("status_code", code);
   }
 }

@@ -23,7 +23,7 @@ class ResultParamBase {
 
   const std::string& name() const { return name_; }
 
-  // Hands the value to the sink; a sink that refuses a kind of value just leaves it out.
+  // Hands the value to the sink. A sink that refuses a kind of value leaves it out.
   virtual void render(ValueBinder& out) const = 0;
 
   // Appends what the reference shows as `name=<...>`.
@@ -80,8 +80,8 @@ class StringVectorResultField final : public ResultParamBase {
   std::vector<std::string> lines_;
 };
 
-// What the options on the command line ask for. `json` and `text` are kept, but change nothing in
-// what is printed.
+// What the options on the command line ask for. `json` and `text` are kept, but change nothing that
+// is printed.
 struct OutputFlags {
   bool quiet = false;
   bool verbose = false;
@@ -89,7 +89,7 @@ struct OutputFlags {
   bool text = false;
 };
 
-// The outcome of the command. It starts as a failure, so that only code that succeeded can make it
+// The outcome of the command. It starts as a failure, so that only code that has succeeded makes it
 // a success.
 class StatusCodeResultField final : public ResultParamBase {
  public:
@@ -101,8 +101,8 @@ class StatusCodeResultField final : public ResultParamBase {
   const Status& status() const { return status_; }
   Status& status() { return status_; }
 
-  // The method, text and code lines, as many of them as the outcome and the flags ask for. The
-  // context text is not shown.
+  // Hands over the method, the text and the code, or those of them that the outcome and the flags
+  // ask for. The context is not shown.
   void render(ValueBinder& out) const override;
   void typeName(std::string* text) const override { text->append("status"); }
 

@@ -1,5 +1,4 @@
-// Text lines on their way from a result to its reader, one at a time: a list need not be in memory
-// as a whole.
+// Text lines, handed over one at a time, so that a list need not be in memory as a whole.
 #pragma once
 
 #include <functional>
@@ -9,8 +8,7 @@
 
 namespace tunadm {
 
-// Takes one line, or several with a line feed between each two; the view is good during the call
-// only.
+// Takes one line, or several with line feeds between them. The view is valid only during the call.
 using LineReceiver = std::function<void(std::string_view line)>;
 
 // Hands the lines of a list to `out`, the first one first.

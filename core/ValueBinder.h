@@ -24,7 +24,7 @@ class ValueBinder {
 };
 
 // Hands text lines to their receiver: "name: value", or for a list a heading "name:" and its items
-// as they are. A name that is empty or begins with "_" gives no heading.
+// as they are. A name that is empty or begins with "_" has no heading.
 class StringVectorValueBinder final : public ValueBinder {
  public:
   // `out` must outlive the sink.

@@ -1,4 +1,4 @@
-// Binds words, one a line, to the command that they name, but does not carry it out.
+// Binds words, one a line, to the command that they name, but does not execute it.
 #include <span>
 
 #include "cli/CommandLookup.h"
@@ -9,7 +9,7 @@
 
 namespace tunadm {
 
-// What must have come of words that were bound.
+// What must hold once words are bound.
 static void checkBound(TunadmCommandInstance* command, std::span<const std::string> words) {
   for (const std::string& word : words) {
     const std::string name = word.substr(0, word.find('='));

@@ -1,4 +1,4 @@
-// Texts in a row.
+// The joining of texts.
 #pragma once
 
 #include <string>

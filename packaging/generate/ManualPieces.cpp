@@ -125,14 +125,14 @@ std::string resultList(TunadmCommandInstance* command) {
 // Appends a row for every number of a category and a module that has a text of its own.
 void appendStatuses(std::uint32_t category, std::uint32_t module, std::string* rows) {
   constexpr std::uint32_t kNumbers = 0x1000;
-  constexpr std::uint32_t kNobodysModule = 0xfff000;
-  const std::string general = statusText(static_cast<StatusCode>(category << 24 | kNobodysModule));
+  constexpr std::uint32_t kUnownedModule = 0xfff000;
+  const std::string general = statusText(static_cast<StatusCode>(category << 24 | kUnownedModule));
   for (std::uint32_t number = 1; number < kNumbers; ++number) {
     const std::uint32_t code = category << 24 | module << 12 | number;
     const std::string text = statusText(static_cast<StatusCode>(code));
     if (text == general) continue;
-    char shown[sizeof "0x00000000"];
-    (void)std::snprintf(shown, sizeof shown, "0x%08x", code);  // always fits
+    char shown[sizeof("0x00000000")];
+    (void)std::snprintf(shown, sizeof(shown), "0x%08x", code);  // always fits
     rows->append(".It ").append(shown).append("\n").append(prose(text));
   }
 }

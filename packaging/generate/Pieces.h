@@ -10,17 +10,17 @@ namespace tunadm {
 std::string manualCommands();
 std::string manualStatuses();
 
-// In mdoc, a sentence's part: the keys of the lines that show a profile's details.
+// In mdoc, part of a sentence: the keys of the lines that show a profile's details.
 std::string manualDetailKeys();
 
-// A line "first|second|target|parameters|summary" for each way to call a command. `target` says
-// what the word behind the other two is: "profile" an existing one or a word that follows in the
-// field, "new" one to be named, empty no word. The parameters have blanks between them, each is
-// "name=value,value" or a bare word; kInterfaceValue may stand for a value. No line has a quote or
-// a backslash.
+// A line "first|second|target|parameters|summary" for each way to name a command. `target` says
+// what the word after the first two is: "profile" for an existing profile or one of the words that
+// follow in the field, "new" for a new name; empty if there is no such word. The parameters are
+// separated by blanks; each is "name=value,value" or a bare word. kInterfaceValue may be one of the
+// values. No line has a quote or a backslash.
 std::string completionTable();
 
-// The output options, with blanks between them.
+// The output options, separated by blanks.
 std::string completionOptions();
 
 }  // namespace tunadm

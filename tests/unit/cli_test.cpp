@@ -25,7 +25,7 @@ std::string joined(const HelpLines& lines) {
   return text;
 }
 
-// How many words of the line lead to which command, and the target that they name.
+// How many words of the line name a command, which command, and its target.
 std::string lookedUp(const std::string& line) {
   std::vector<std::string> words = split(line);
   int consumed = 99;
@@ -33,7 +33,7 @@ std::string lookedUp(const std::string& line) {
   std::string shown = std::to_string(consumed);
   if (!command) return shown;
   shown += " " + command->statusField().method();
-  // The target is the default of the first parameter behind those that every command has.
+  // The target is the default of the first parameter after those that every command has.
   if (consumed < 3 || command->params().size() < 4) return shown;
   return shown + " " + dynamic_cast<StringParam&>(*command->params()[3]).value();
 }

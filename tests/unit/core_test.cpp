@@ -69,7 +69,8 @@ TEST(Binding, Words) {
   EXPECT_EQ(command.number.value(), 5);
   EXPECT_FALSE(command.text.presented());
   EXPECT_EQ(bindWords(&command, "text=first needed=b=c word text=last"), "");
-  EXPECT_EQ(command.text.value() + command.needed.value(), "lastb=c");
+  EXPECT_EQ(command.text.value(), "last");
+  EXPECT_EQ(command.needed.value(), "b=c");
   EXPECT_TRUE(command.word.present());
 }
 
@@ -110,7 +111,7 @@ TEST(Params, Texts) {
     EXPECT_TRUE(command.number.setFromText(text)) << text;
     EXPECT_EQ(command.number.value(), 7) << text;
   }
-  bool expected = true;  // each text below turns over what the one before it set
+  bool expected = true;  // each text below inverts what the one before it set
   for (const char* text : {"false", "TRUE", "No", "yes", "oFF", "On"}) {
     EXPECT_TRUE(command.truth.setFromText(text)) << text;
     EXPECT_EQ(command.truth.value(), expected = !expected) << text;
@@ -120,7 +121,8 @@ TEST(Params, Texts) {
     EXPECT_TRUE(command.word.setFromText(text)) << text;
     EXPECT_EQ(command.word.present(), expected = !expected) << text;
   }
-  EXPECT_FALSE(command.truth.setFromText("") || command.word.setFromText("yes"));
+  EXPECT_FALSE(command.truth.setFromText(""));
+  EXPECT_FALSE(command.word.setFromText("yes"));
 }
 
 Lines linesOf(const SampleCommand& command) {
@@ -152,7 +154,7 @@ TEST(Rendering, StatusLinesByModeAndFieldsOfASuccess) {
 }
 
 TEST(StatusText, OfTheModuleElseOfTheCategory) {
-  EXPECT_STREQ(statusText(codeOf(0x12001001)), "generic application error") << "nobody's yet";
+  EXPECT_STREQ(statusText(codeOf(0x12001001)), "generic application error") << "not registered yet";
   registerStatusTexts(kProgramModule, &programStatusText);
   for (const std::string row :
        {"00000001 success", "00000000 invalid status code", "14000002 stdlib error: opendir",
