@@ -3,6 +3,7 @@
 #include <string>
 #include <utility>
 
+#include "core/Record.h"
 #include "core/TextLines.h"
 #include "fundkit/LogLevel.h"
 #include "profiles/ConfigControl.h"
@@ -15,11 +16,11 @@
 namespace tunadm {
 
 void Hipcmd_GetProfiles::ProfileListResultField::render(ValueBinder& out) const {
-  out.addList(name(), [this](const LineReceiver& receiver) {
-    std::string line;
+  out.addRecords(name(), [this](const RecordReceiver& receiver) {
     for (const ProfileRef& profile : profiles_) {
-      line.assign(profile.dir_name).append(": ").append(profile.profile_name);
-      receiver(line);
+      const RecordMember members[] = {{"profile_dir", profile.dir_name},
+                                      {"profile_name", profile.profile_name}};
+      receiver(members);
     }
   });
 }

@@ -19,7 +19,7 @@ class Hipcmd_GetProfiles final : public TunadmCommandInstance {
   void execute(StatusCodeResultField& result) override;
 
  private:
-  // One line a profile: "<dir name>: <friendly name>".
+  // A record for each profile; in text, a line "<dir name>: <friendly name>".
   class ProfileListResultField final : public ResultParamBase {
    public:
     ProfileListResultField(ResultList* list, std::string_view name) : ResultParamBase(list, name) {}

@@ -2,6 +2,8 @@
 
 #include <vector>
 
+#include "core/Record.h"
+
 namespace tunadm {
 namespace {
 
@@ -13,17 +15,20 @@ std::string helmsmanAddress(const ProfileDetails& details) {
 }  // namespace
 
 void ProfileDetailsResultField::render(ValueBinder& out) const {
-  std::vector<std::string> lines;
-  lines.push_back("profile_name=" + details_.profile_name);
-  if (!details_.helmsman_host.empty()) lines.push_back("helmsman=" + helmsmanAddress(details_));
-  lines.push_back("profile_dir=" + details_.profile_dir);
-  lines.push_back("network=" + details_.network);
-  lines.push_back("deviceID=" + details_.device_id);
-  lines.push_back("overlay_device_ip=" + details_.overlay_device_ip);
-  lines.push_back("overlay_mask=" + details_.overlay_mask);
-  lines.push_back("invitation=" + details_.invitation);
-  lines.push_back("log_level=" + details_.log_level);
-  out.addList(name(), linesOf(lines));
+  std::vector<RecordMember> members = {
+      {"profile_dir", details_.profile_dir, 3},
+      {"profile_name", details_.profile_name, 1},
+      {"network", details_.network, 4},
+      {.name = "networks", .items = &details_.networks},
+      {"deviceID", details_.device_id, 5},
+      {"overlay_device_ip", details_.overlay_device_ip, 6},
+      {"overlay_mask", details_.overlay_mask, 7},
+      {"invitation", details_.invitation, 8},
+  };
+  const std::string helmsman = helmsmanAddress(details_);
+  if (!details_.helmsman_host.empty()) members.push_back({"helmsman", helmsman, 2});
+  members.push_back({"log_level", details_.log_level, 9});
+  out.addRecord(name(), members);
 }
 
 }  // namespace tunadm

@@ -9,8 +9,8 @@
 
 namespace tunadm {
 
-// Shown as a list of "key=value" lines; only the helmsman line is left out when there is no host,
-// and the candidate interfaces are not shown.
+// A record of the details. The helmsman is left out when there is no host, and the text form does
+// not show the candidate interfaces.
 class ProfileDetailsResultField final : public ResultParamBase {
  public:
   ProfileDetailsResultField(ResultList* list, std::string_view name)

@@ -15,6 +15,7 @@ void StringResult::render(ValueBinder& out) const {
 }
 
 void StatusCodeResultField::render(ValueBinder& out) const {
+  if (out.addStatus(method_, status_)) return;
   const bool failed = !status_.ok();
   if (flags_->verbose) out.addText("method", method_);
   if (flags_->verbose || (failed && !flags_->quiet)) {

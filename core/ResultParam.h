@@ -101,8 +101,9 @@ class StatusCodeResultField final : public ResultParamBase {
   const Status& status() const { return status_; }
   Status& status() { return status_; }
 
-  // Hands over the method, the text and the code, or those of them that the outcome and the flags
-  // ask for. The context is not shown.
+  // Hands over the method and the status. A sink that refuses them as a whole gets the method, the
+  // text and the code as texts, or those of them that the outcome and the flags ask for, without
+  // the context.
   void render(ValueBinder& out) const override;
   void typeName(std::string* text) const override { text->append("status"); }
 
