@@ -1,5 +1,6 @@
 #include "cli/Program.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -15,6 +16,7 @@
 #include "core/StatusText.h"
 #include "fundkit/DescriptorIo.h"
 #include "fundkit/LinePrinter.h"
+#include "fundkit/ScopedFd.h"
 #include "json/ScopedJson.h"
 #include "json/ScopedRelease.h"
 
@@ -33,6 +35,22 @@ Status bindWords(TunadmCommandInstance* command, const std::vector<std::string>&
   const ScopedJson array(makeArray());
   for (const std::string& word : words) appendString(array.get(), std::string_view(word));
   return bindCommandWords(command, array.get(), static_cast<std::size_t>(consumed));
+}
+
+void runForText(TunadmCommandInstance* command) {
+  command->execute(command->statusField());
+  LinePrinter out(STDOUT_FILENO);
+  command->render([&out](std::string_view line) { out.print(line); });
+}
+
+// Children inherit standard output, and what they print would break the JSON there. Where it can be
+// done, it goes to standard error instead.
+void runForJson(TunadmCommandInstance* command) {
+  const ScopedFd output(fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
+  if (output.valid()) (void)dup2(STDERR_FILENO, STDOUT_FILENO);
+  command->execute(command->statusField());
+  LinePrinter out(output.valid() ? output.get() : STDOUT_FILENO);
+  command->renderJson([&out](std::string_view text) { out.append(text); });
 }
 
 // A write beyond the caller's limit of file size is to fail like one on a full disk, not to end the
@@ -55,20 +73,22 @@ int runProgram(int argc, char** argv) {
   registerStatusTexts(kProgramModule, &programStatusText);
   setPrivilegeMode(PrivilegeMode::kRootOnly);
 
-  LinePrinter out(STDOUT_FILENO);
   std::vector<std::string> words(argv + 1, argv + argc);
   int consumed = 0;
   const ScopedPtr<TunadmCommandInstance> command = lookUpCommand(&words, &consumed);
   if (!command) {
-    out.print("invalid command name");
+    LinePrinter(STDOUT_FILENO).print("invalid command name");
     return 1;
   }
   if (!bindWords(command.get(), words, consumed).ok()) {
-    out.print("invalid command arguments");
+    LinePrinter(STDOUT_FILENO).print("invalid command arguments");
     return 1;
   }
-  command->execute(command->statusField());
-  command->render([&out](std::string_view line) { out.print(line); });
+  if (command->jsonWanted()) {
+    runForJson(command.get());
+  } else {
+    runForText(command.get());
+  }
   return 0;
 }
 

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <limits>
 
+#include "core/JsonValueBinder.h"
 #include "json/JsonPrinter.h"
 #include "json/ScopedJson.h"
 
@@ -108,6 +109,17 @@ bool TunadmCommandInstance::applyOption(std::string_view word) {
 
 void TunadmCommandInstance::render(const LineReceiver& receiver) const {
   StringVectorValueBinder out(receiver);
+  renderFields(out);
+}
+
+void TunadmCommandInstance::renderJson(const TextReceiver& receiver) const {
+  JsonValueBinder out(receiver);
+  if (request_id_.presented()) out.addText(request_id_.name(), request_id_.value());
+  renderFields(out);
+  out.finish();
+}
+
+void TunadmCommandInstance::renderFields(ValueBinder& out) const {
   if (!status_.status().ok()) {
     status_.render(out);
     return;

@@ -1,5 +1,5 @@
 // One invocation of a command: how words are bound to its parameters, and how its result fields are
-// rendered as text lines.
+// rendered as text lines or JSON.
 #pragma once
 
 #include <cstddef>
@@ -41,9 +41,13 @@ class TunadmCommandInstance {
   // --verbose the last one counts, and so it does of --json and --text.
   [[nodiscard]] bool applyOption(std::string_view word);
 
-  // Hands the text lines of the result to `out`: every field of a success, only the status of a
-  // failure.
+  // Whether the parameter `output` asks for JSON: it is exactly "json".
+  [[nodiscard]] bool jsonWanted() const { return output_.value() == "json"; }
+
+  // Each renders every field of a success, but only the status of a failure: as text lines, or as
+  // one line with a JSON object, which begins with the request's ID if there is one.
   void render(const LineReceiver& out) const;
+  void renderJson(const TextReceiver& out) const;
 
  protected:
   // `method` is the canonical name of the command, which --verbose shows.
@@ -53,6 +57,8 @@ class TunadmCommandInstance {
   ResultList* resultList() { return &results_; }
 
  private:
+  void renderFields(ValueBinder& out) const;
+
   ParamList params_;
   ResultList results_;
   AuthParam auth_;

@@ -11,6 +11,9 @@ namespace tunadm {
 // Takes one line, or several with line feeds between them. The view is valid only during the call.
 using LineReceiver = std::function<void(std::string_view line)>;
 
+// Takes the next piece of a text, which may end anywhere. The view is valid only during the call.
+using TextReceiver = std::function<void(std::string_view text)>;
+
 // Hands the lines of a list to `out`, the first one first.
 using LineSource = std::function<void(const LineReceiver& out)>;
 

@@ -10,12 +10,17 @@ constexpr std::size_t kLargestWrite = std::size_t{64} * 1024;
 }  // namespace
 
 void LinePrinter::print(std::string_view lines) {
-  if (text_.size() + lines.size() >= kLargestWrite) flush();
-  if (lines.size() >= kLargestWrite) {
-    write(lines);
-    lines = {};
+  append(lines);
+  text_ += '\n';
+}
+
+void LinePrinter::append(std::string_view text) {
+  if (text_.size() + text.size() >= kLargestWrite) flush();
+  if (text.size() >= kLargestWrite) {
+    write(text);
+  } else {
+    text_ += text;
   }
-  text_.append(lines).push_back('\n');
 }
 
 void LinePrinter::flush() {

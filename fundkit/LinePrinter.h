@@ -19,6 +19,8 @@ class LinePrinter {
 
   // Prints one line, or several with line feeds between them, and a line feed after it.
   void print(std::string_view lines);
+  // Prints a piece of a line, which may be of any length.
+  void append(std::string_view text);
 
  private:
   void flush();

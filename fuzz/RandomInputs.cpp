@@ -23,7 +23,8 @@ int main(int, char** arguments) {
   std::vector<std::string> pieces = {"\n", "\r\n", " ", "#", "\\", "\"", "\xff", std::string(1, 0)};
   for (std::string word : tunadm::fgetsLines(contentOf(arguments[2]), 1000)) {
     word = word.substr(1, word.size() - 3);  // without its quotes
-    if (word.starts_with("\\x0a")) word.replace(0, 4, 1, '\n');
+    for (auto at = word.find("\\x"); at != word.npos; at = word.find("\\x", at + 1))
+      word.replace(at, 4, 1, static_cast<char>(std::stoi(word.substr(at + 2, 2), nullptr, 16)));
     pieces.push_back(word);
   }
   for (const auto& file : std::filesystem::directory_iterator(arguments[1])) {

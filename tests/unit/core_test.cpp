@@ -1,10 +1,13 @@
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/CommandCore.h"
+#include "core/JsonText.h"
 #include "core/ProgramStatus.h"
 #include "core/RequestForm.h"
 #include "core/StatusText.h"
@@ -23,7 +26,7 @@ StatusCode codeOf(unsigned bits) { return static_cast<StatusCode>(bits); }
 class SampleCommand final : public TunadmCommandInstance {
  public:
   SampleCommand() : TunadmCommandInstance("sample command") {
-    list_.lines() = {"one", "  two"};
+    list_.lines() = {"one", "  two\n"};
     headless_.lines() = {"free text"};
   }
   void execute(StatusCodeResultField&) override {}
@@ -145,12 +148,89 @@ TEST(Rendering, StatusLinesByModeAndFieldsOfASuccess) {
   EXPECT_EQ(rendered("--text", failed), (Lines{text, code}));
   EXPECT_EQ(rendered("--quiet", failed), (Lines{code}));
   EXPECT_EQ(rendered("--verbose", failed), (Lines{method, text, code}));
-  Lines fields = {"unset: ", "flag: false", "list:", "one", "  two", "free text"};
+  Lines fields = {"unset: ", "flag: false", "list:", "one", "  two\n", "free text"};
   EXPECT_EQ(rendered("--quiet", Status(kSuccess)), fields);
   fields.insert(fields.begin(), {method, "status_text: success", "status_code: 0x00000001"});
   EXPECT_EQ(rendered("--verbose", Status(kSuccess)), fields);
   EXPECT_EQ(linesOf(SampleCommand()),  // one that never sets its status has failed
             (Lines{"status_text: application error", "status_code: 0x12000001"}));
+}
+
+std::string jsonOf(const SampleCommand& command) {
+  std::string json;
+  command.renderJson([&json](std::string_view text) { json += text; });
+  return json;
+}
+
+TEST(Rendering, JsonByOutcomeAndNeverByOption) {
+  for (const char* option : {"--quiet", "--verbose", "--text"}) {
+    SampleCommand command;
+    EXPECT_EQ(bindWords(&command, std::string("needed=x output=json requestID=\"7\" ") + option),
+              "");
+    EXPECT_TRUE(command.jsonWanted());
+    EXPECT_EQ(jsonOf(command),
+              "{\"requestID\":\"\\\"7\\\"\",\"method\":\"sample command\","
+              "\"status_code\":301989889,\"status_text\":\"application error\"}\n");
+  }
+  SampleCommand command;
+  command.statusField().status() = Status(kSuccessWithWarnings, "some", "there");
+  EXPECT_EQ(jsonOf(command),
+            "{\"method\":\"sample command\",\"status_code\":2,\"status_text\":\"success with "
+            "warnings\",\"status_details\":\"some\",\"status_context\":\"there\",\"unset\":\"\","
+            "\"flag\":false,\"list\":[\"one\",\"  two\",\"\"],\"headless\":[\"free text\"]}\n");
+  for (const char* word : {"output=", "output=JSON", "output=json ", "--json"}) {
+    SampleCommand other;
+    const ScopedJson words(makeArray());
+    appendString(words.get(), std::string_view(word));
+    (void)bindCommandWords(&other, words.get(), 0);  // refused for the parameter that is missing
+    EXPECT_FALSE(other.jsonWanted()) << word;
+  }
+}
+
+TEST(JsonText, EscapesOnlyWhatItMust) {
+  for (int byte = 0; byte < 0x20; ++byte) {
+    const std::string letters = "btn fr";  // of the bytes from 8 on
+    const char letter = byte < 8 || byte > 13 ? ' ' : letters[static_cast<std::size_t>(byte) - 8];
+    char expected[sizeof("\"\\u0000\"")];
+    (void)std::snprintf(expected, sizeof(expected), letter == ' ' ? "\"\\u%04x\"" : "\"\\%c\"",
+                        letter == ' ' ? byte : letter);
+    std::string json;
+    appendJsonString(std::string(1, static_cast<char>(byte)), &json);
+    EXPECT_EQ(json, expected);
+  }
+  const std::string replaced = "\xef\xbf\xbd";
+  const std::pair<std::string, std::string> cases[] = {
+      {"", ""},
+      {R"(a"b\c/)", R"(a\"b\\c/)"},
+      {"\x7f \xc2\x80 \xdf\xbf \xe0\xa0\x80", "\x7f \xc2\x80 \xdf\xbf \xe0\xa0\x80"},
+      {"\xed\x9f\xbf\xee\x80\x80\xef\xbf\xbf", "\xed\x9f\xbf\xee\x80\x80\xef\xbf\xbf"},
+      {"\xf0\x90\x80\x80\xf4\x8f\xbf\xbf", "\xf0\x90\x80\x80\xf4\x8f\xbf\xbf"},
+      // One replacement for each byte that begins nothing, such as those of overlong forms, of
+      // surrogates and of numbers above U+10FFFF.
+      {"\x80", "?"},
+      {"\xc0\xaf\xc1\xbf", "????"},
+      {"\xe0\x9f\xbf", "???"},
+      {"\xf0\x8f\xbf\xbf", "????"},
+      {"\xed\xa0\x80\xed\xbf\xbf", "??????"},
+      {"\xf4\x90\x80\x80", "????"},
+      {"\xf5\xff\xfe", "???"},
+      // One for the longest beginning of a character.
+      {"\xe2\x82", "?"},
+      {"\xe2\x82\"", "?\\\""},
+      {"\xf0\x9f\x98\xc3\xc3\xa4", "??\xc3\xa4"},
+      {"a\xf1\x80\x80\xe1\x80\xc2"
+       "b\x80"
+       "c\x80\xbf"
+       "d",
+       "a???b?c??d"},
+  };
+  for (const auto& [text, expected] : cases) {
+    std::string wanted = "\"";
+    for (const char byte : expected) wanted += byte == '?' ? replaced : std::string(1, byte);
+    std::string json;
+    appendJsonString(text, &json);
+    EXPECT_EQ(json, wanted + "\"");
+  }
 }
 
 TEST(StatusText, OfTheModuleElseOfTheCategory) {
