@@ -143,9 +143,11 @@ bool writeOutput(int descriptor, std::string_view text) {
   (void)sigpending(&pending);
   (void)pthread_sigmask(SIG_BLOCK, &pipe_signal, &before);
   const bool written = writeAll(descriptor, text);
+  const int error = errno;
   const timespec at_once{};
   if (sigismember(&pending, SIGPIPE) == 0) (void)sigtimedwait(&pipe_signal, nullptr, &at_once);
   (void)pthread_sigmask(SIG_SETMASK, &before, nullptr);
+  errno = error;
   return written;
 }
 

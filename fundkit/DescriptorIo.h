@@ -40,7 +40,7 @@ ssize_t readAt(int descriptor, off_t offset, char* buffer, std::size_t size);
 [[nodiscard]] bool syncFileSystem(int descriptor);
 
 // As writeAll, for standard output and error. If the reader has gone, SIGPIPE does not end the
-// process. False when not all has been written.
+// process. False when not all has been written; errno tells why.
 bool writeOutput(int descriptor, std::string_view text);
 
 // Opens /dev/null for each standard descriptor that the caller has closed; otherwise a file that is

@@ -1,5 +1,9 @@
 #include "fundkit/LinePrinter.h"
 
+#include <cerrno>
+#include <cstring>
+
+#include "fundkit/BasicLog.h"
 #include "fundkit/DescriptorIo.h"
 
 namespace tunadm {
@@ -29,7 +33,12 @@ void LinePrinter::flush() {
 }
 
 void LinePrinter::write(std::string_view text) {
-  broken_ = broken_ || !writeOutput(descriptor_, text);
+  if (broken_ || writeOutput(descriptor_, text)) return;
+  const int error = errno;
+  broken_ = true;
+  if (error == EPIPE) return;
+  TUNADM_LOG(programLogger(), kLogError, sourceFileName(__FILE__), __func__,
+             std::string("write output: ") + std::strerror(error));
 }
 
 }  // namespace tunadm

@@ -49,6 +49,15 @@ TEST(Program, WithoutACommand) {
   }
 }
 
+TEST(Program, SaysWhenItsResultCannotBeWritten) {
+  TestHost host;
+  for (const std::string words : {"help", "json {} output=json"}) {
+    const Outcome full = host.runWords({"/bin/sh", "-c", "tunadm " + words + " >/dev/full"});
+    EXPECT_EQ(full.exit, 0);
+    EXPECT_EQ(full.err, "E~ tunadm LinePrinter.cpp write: write output: No space left on device\n");
+  }
+}
+
 TEST(Program, CreatesAndShowsAProfile) {
   TestHost host;
   host.factory();
