@@ -1,6 +1,8 @@
 #include "fundkit/LogLevel.h"
 
+#include <array>
 #include <cstddef>
+#include <iterator>
 
 #include "fundkit/AsciiText.h"
 #include "fundkit/BasicLog.h"
@@ -16,12 +18,26 @@ bool beginsWithName(std::string_view text, std::string_view name) {
   return equalIgnoringCase(text.substr(0, name.size()), name);
 }
 
-// True for the first byte of any name, and for the bracket that may precede one: a quick answer for
-// nearly all lines of a log that do not begin with a level.
-bool mayBeginName(char byte) {
-  constexpr std::string_view kFirstBytes = "tdinwefpca[";
-  return kFirstBytes.find(asciiLower(byte)) != std::string_view::npos;
+// True for the first byte of a name of `lowest` or of a higher level.
+constexpr bool beginsHigherName(char byte, LogLevel lowest) {
+  for (LogLevel level = lowest; level != std::end(kLogLevels); ++level) {
+    if (asciiLower(byte) == asciiLower(level->full_name[0])) return true;
+  }
+  for (const std::string_view word : kFatalWords) {
+    if (asciiLower(byte) == asciiLower(word[0])) return true;
+  }
+  return false;
 }
+
+// Decides about nearly all lines of a log that begin with no level.
+constexpr std::array<bool, 256> kMayBeginName = [] {
+  std::array<bool, 256> table{};
+  for (std::size_t i = 0; i < table.size(); ++i) {
+    const char byte = static_cast<char>(i);
+    table[i] = byte == '[' || beginsHigherName(byte, kLogTrace);
+  }
+  return table;
+}();
 
 // True when trimming the end would leave nothing. Stops at the first graphic byte.
 bool isBlankToEnd(std::string_view text) {
@@ -70,11 +86,18 @@ int loglevel_to_syslog(LogLevel level) {
   return kLogInfo->syslog_priority;
 }
 
+bool mayBeginLevel(char byte, LogLevel threshold) {
+  return threshold <= kLogInfo || !isGraphic(byte) || byte == '[' ||
+         beginsHigherName(byte, threshold);
+}
+
 LogLevel parseLevel(std::string_view text) {
   while (!text.empty() && text[0] != '\0' && !isGraphic(text[0])) text.remove_prefix(1);
-  if (text.empty() || !mayBeginName(text[0])) return kLogInfo;
-  for (const LogLevelDescriptor& entry : kLogLevels) {
-    if (beginsWithName(text, entry.short_name)) return &entry;
+  if (text.empty() || !kMayBeginName[static_cast<unsigned char>(text[0])]) return kLogInfo;
+  if (text.size() > 1 && text[1] == '~') {  // as in all short names
+    for (const LogLevelDescriptor& entry : kLogLevels) {
+      if (beginsWithName(text, entry.short_name)) return &entry;
+    }
   }
   if (text[0] == '[') text.remove_prefix(1);
   for (const LogLevelDescriptor& entry : kLogLevels) {

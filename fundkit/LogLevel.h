@@ -56,4 +56,7 @@ int loglevel_to_syslog(LogLevel level);
 LogLevel parseLevel(std::string_view text);
 LogLevel parseLevel(const char* text);
 
+// False only if no text that begins with `byte` is at or above `threshold` for parseLevel.
+bool mayBeginLevel(char byte, LogLevel threshold);
+
 }  // namespace tunadm
