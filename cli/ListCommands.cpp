@@ -45,7 +45,7 @@ void Hipcmd_GetVersions::execute(StatusCodeResultField& result) {
 }
 
 void Hipcmd_GetHipLog::LogResultField::render(ValueBinder& out) const {
-  out.addList(name(), [this](const LineReceiver& receiver) { extract_.print(receiver); });
+  out.addList(name(), [this](const LineReceiver& receiver) { extract_.forEachRun(receiver); });
 }
 
 void Hipcmd_GetHipLog::execute(StatusCodeResultField& result) {

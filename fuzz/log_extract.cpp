@@ -17,10 +17,13 @@ void tunadm::checkInput(const std::string& text) {
   }
   if (std::ssize(expected) > wanted) expected.erase(expected.begin(), expected.end() - wanted);
   std::string lines;
+  std::string runs;
   LogExtract extract;
   const Status read = extract.find(fileWith(log), wanted, threshold);
-  extract.print([&lines](std::string_view line) { lines.append(line).append("\n"); });
+  extract.forEachLine([&lines](std::string_view line) { lines.append(line).append("\n"); });
+  extract.forEachRun([&runs](std::string_view run) { runs.append(run).append("\n"); });
   std::string wanted_lines;
   for (const std::string& line : expected) wanted_lines += line + "\n";
   require(read.code() == kSuccess && lines == wanted_lines, "the last lines of the level");
+  require(runs == lines, "runs of the same lines");
 }

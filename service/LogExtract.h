@@ -13,26 +13,31 @@ namespace tunadm {
 // How many lines are found unless the caller says otherwise.
 inline constexpr int kDefaultLogLines = 50;
 
-// Finds the last lines of a log, and hands them out in the order of the file.
+// Finds the last lines of a log and hands them out in the order of the file.
 class LogExtract {
  public:
   // Finds the last `max_lines` lines of the log at `path` whose level is at or above `threshold`.
-  // Bytes at their ends that show nothing are left out. Empty lines do not count, and a line of
-  // 4,096 bytes or more counts as several, of 4,095 bytes each.
+  // They are trimmed to graphic bytes. Empty lines do not count, and a line of 4,096 bytes or more
+  // counts as several, of 4,095 bytes each. A negative `max_lines` stands for kDefaultLogLines,
+  // and 100,000 lines are the most; 0 asks for nothing, which succeeds.
   //
-  // The log is read from its end, as far as the answer needs, and only what was there at the start;
-  // a log that is cut meanwhile gives what is left. A negative `max_lines` stands for
-  // kDefaultLogLines, and 100,000 lines are the most; 0 asks for nothing, which succeeds. Without a
-  // regular file at `path` there is one line that says so, and the status is kSuccessWithWarnings.
-  // Fails with kOpenFailed or kReadFailed. Besides the answer, a fixed 256 KiB of memory is needed.
-  // For one call only.
+  // The log is read from its end, as far as the answer needs, and only what was there at the start.
+  // A log that is cut meanwhile cannot be read. The memory for the answer is at most twice its
+  // size, and 256 KiB.
+  //
+  // Without a regular file at `path` there is one line that says so, and the status is
+  // kSuccessWithWarnings. Errors: kOpenFailed, kReadFailed. For one call only.
   Status find(const std::string& path, int max_lines, LogLevel threshold);
 
-  void print(const LineReceiver& out) const;
+  // Hands out the lines one by one.
+  void forEachLine(const LineReceiver& out) const;
+
+  // The same for long runs of lines, with a line feed between each two: a call for some thousand.
+  void forEachRun(const LineReceiver& out) const;
 
  private:
   LogLines found_;
-  std::string notice_;  // what stands for a log that is not there
+  std::string notice_;  // the line that says that there is no log
 };
 
 }  // namespace tunadm

@@ -1,8 +1,9 @@
-// The lines of an answer that is found from its end.
+// Lines of a log that are found from the last one to the first.
 #pragma once
 
 #include <cstddef>
 #include <memory>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -10,29 +11,41 @@
 
 namespace tunadm {
 
-// Takes lines from the last to the first and hands them out the other way round. Their texts are
-// copied into large blocks, each filled from its end, so that a hundred thousand lines cost little
-// more memory than their bytes.
+// Keeps lines in large blocks, each filled from its end. The log is read into the room that is left
+// in a block: where all its lines are wanted, they are in their place already.
 class LogLines {
  public:
-  std::size_t count() const { return count_; }
+  // What room() has at least.
+  static constexpr std::size_t kLeastRoom = std::size_t{128} * 1024;
 
-  // Puts `line`, of less than a block's size, before all others. It must hold no line feed.
+  // Memory right before the first line. A block that is more than half full is given up for a new
+  // one; the lines take at least half of all others.
+  std::span<char> room();
+
+  // Puts `line` before all others. It holds no line feed, and lies in the room that was handed out
+  // last, so far from its end that the line and a line feed fit behind its first byte.
   void addBefore(std::string_view line);
 
-  // Hands out the lines, the first one first, many at a time.
-  void print(const LineReceiver& out) const;
+  std::size_t count() const { return count_; }
+  void clear();
+
+  // Hands out the lines in the order of the log, each by itself.
+  void forEachLine(const LineReceiver& out) const;
+
+  // The same for long runs of lines, with a line feed between each two.
+  void forEachRun(const LineReceiver& out) const;
 
  private:
-  static constexpr std::size_t kBlockSize = std::size_t{256} * 1024;
-
-  // Texts with a line feed behind each fill it from `start` to its end.
+  // The lines, with a line feed after each, fill it from `start` to its end.
   struct Block {
-    std::unique_ptr<char[]> bytes;
+    std::unique_ptr<char, void (*)(void*)> bytes;
+    std::size_t size;
     std::size_t start;
   };
 
-  std::vector<Block> blocks_;  // the last one in the order of the lines first
+  void addBlock(std::size_t size);
+
+  std::vector<Block> blocks_;  // in the order in which they were filled
   std::size_t count_ = 0;
 };
 

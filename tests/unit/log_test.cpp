@@ -141,7 +141,7 @@ TEST(LogExtract, NoLogfile) {
     LogExtract extract;
     EXPECT_EQ(extract.find(path, 50, kLogInfo).code(), 2);
     std::string printed;
-    extract.print([&printed](std::string_view line) { printed += line; });
+    extract.forEachLine([&printed](std::string_view line) { printed += line; });
     EXPECT_EQ(printed, "no logfile available for this profile");
   }
 }

@@ -1,0 +1,54 @@
+// The search for the last lines of a log, from its end.
+#pragma once
+
+#include <sys/types.h>
+
+#include <array>
+#include <cstddef>
+#include <string_view>
+
+#include "fundkit/LogLevel.h"
+#include "service/LogFile.h"
+#include "service/LogLines.h"
+
+namespace tunadm {
+
+// One search of a marked log; for one call of run().
+class LogSearch {
+ public:
+  // `log` and `found` must outlive the search.
+  LogSearch(const LogFile& log, std::size_t max_lines, LogLevel threshold, LogLines* found);
+
+  // Adds the last lines at or above the threshold to `found`, until that holds `max_lines`. False
+  // when the log could not be read.
+  [[nodiscard]] bool run();
+
+ private:
+  bool full() const { return found_.count() >= max_lines_; }
+
+  // False only for a line whose first byte shows that its level is below the threshold.
+  bool mayBeWanted(std::string_view line) const {
+    return may_begin_[static_cast<unsigned char>(line.front())];
+  }
+
+  [[nodiscard]] bool load(off_t start, off_t end);
+  [[nodiscard]] bool loadBefore(off_t end);
+  void takeLines();
+  [[nodiscard]] bool takeLine(std::string_view line);
+  void take(std::string_view piece);
+  [[nodiscard]] bool takeHugeLine();
+
+  const LogFile& log_;
+  const std::size_t max_lines_;
+  const LogLevel threshold_;
+  LogLines& found_;
+  std::array<bool, 256> may_begin_;  // by first byte: mayBeginLevel for the threshold
+
+  off_t end_;                // what follows in the log has been looked at
+  off_t window_start_ = 0;   // the place of the window in the log
+  std::string_view window_;  // the part of the log that is in memory
+  std::size_t next_size_;    // of the window
+  std::size_t slack_ = 0;    // kept free between the window and the lines found
+};
+
+}  // namespace tunadm
