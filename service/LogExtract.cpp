@@ -15,9 +15,23 @@ namespace {
 
 constexpr int kMostLines = 100000;
 
+// A log is cut now and then, so one search more is enough. The bound is for a log that is cut all
+// the time.
+constexpr int kMostSearches = 20;
+
 std::size_t wantedLines(int max_lines) {
   return static_cast<std::size_t>(max_lines < 0 ? kDefaultLogLines
                                                 : std::min(max_lines, kMostLines));
+}
+
+Status search(LogFile* log, std::size_t max_lines, LogLevel threshold, LogLines* found) {
+  for (int searches = 0; searches < kMostSearches; ++searches) {
+    found->clear();
+    if (!log->mark()) continue;
+    const bool complete = LogSearch(*log, max_lines, threshold, found).run();
+    if (log->isAsMarked()) return Status(complete ? kSuccess : kReadFailed);
+  }
+  return Status(kReadFailed);
 }
 
 }  // namespace
@@ -30,9 +44,9 @@ Status LogExtract::find(const std::string& path, int max_lines, LogLevel thresho
     return Status(kSuccessWithWarnings);
   }
   LogFile log(std::move(opened));
-  const bool complete =
-      log.mark() && LogSearch(log, wantedLines(max_lines), threshold, &found_).run();
-  return Status(complete ? kSuccess : kReadFailed);
+  const Status result = search(&log, wantedLines(max_lines), threshold, &found_);
+  if (!result.ok()) found_.clear();
+  return result;
 }
 
 void LogExtract::forEachLine(const LineReceiver& out) const {

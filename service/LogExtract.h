@@ -22,11 +22,12 @@ class LogExtract {
   // and 100,000 lines are the most; 0 asks for nothing, which succeeds.
   //
   // The log is read from its end, as far as the answer needs, and only what was there at the start.
-  // A log that is cut meanwhile cannot be read. The memory for the answer is at most twice its
-  // size, and 256 KiB.
+  // All lines are of one content of the log: when it is cut meanwhile, it is searched anew. The
+  // memory for the answer is at most twice its size and 2 MiB.
   //
   // Without a regular file at `path` there is one line that says so, and the status is
-  // kSuccessWithWarnings. Errors: kOpenFailed, kReadFailed. For one call only.
+  // kSuccessWithWarnings. Errors: kOpenFailed; kReadFailed, also when each of twenty searches
+  // found the log cut. For one call only.
   Status find(const std::string& path, int max_lines, LogLevel threshold);
 
   // Hands out the lines one by one.

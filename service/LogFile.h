@@ -4,6 +4,7 @@
 #include <sys/types.h>
 
 #include <span>
+#include <string>
 #include <utility>
 
 #include "fundkit/ScopedFd.h"
@@ -16,8 +17,13 @@ class LogFile {
  public:
   explicit LogFile(ScopedFd log) : log_(std::move(log)) {}
 
-  // Notes the present size. False on failure.
+  // Notes the present size and last bytes. False on failure, and when the log is cut meanwhile.
   [[nodiscard]] bool mark();
+
+  // True when nothing that was read since the mark can belong to another content of the log: the
+  // bytes before the end are as they were. The size alone does not tell, since a log that was cut
+  // may have grown beyond it again.
+  [[nodiscard]] bool isAsMarked() const;
 
   off_t size() const { return size_; }
 
@@ -26,8 +32,11 @@ class LogFile {
   [[nodiscard]] bool read(off_t start, std::span<char> bytes) const;
 
  private:
+  [[nodiscard]] bool readLastBytes(std::string* bytes) const;
+
   ScopedFd log_;
   off_t size_ = 0;
+  std::string last_bytes_;
 };
 
 }  // namespace tunadm
