@@ -24,6 +24,18 @@ std::size_t wantedLines(int max_lines) {
                                                 : std::min(max_lines, kMostLines));
 }
 
+// Fails with kOpenFailed, or with kSuccessWithWarnings where there is no regular file.
+Status openLog(const std::string& path, ScopedFd* log) {
+  // A log that cannot be opened although there is one may have been moved away for a new one
+  // just now.
+  for (int attempts = 0; attempts < 2; ++attempts) {
+    *log = openRegularFile(path);
+    if (log->valid()) return Status(kSuccess);
+    if (!isRegularFile(path)) return Status(kSuccessWithWarnings);
+  }
+  return Status(kOpenFailed);
+}
+
 Status search(LogFile* log, std::size_t max_lines, LogLevel threshold, LogLines* found) {
   for (int searches = 0; searches < kMostSearches; ++searches) {
     found->clear();
@@ -37,14 +49,12 @@ Status search(LogFile* log, std::size_t max_lines, LogLevel threshold, LogLines*
 }  // namespace
 
 Status LogExtract::find(const std::string& path, int max_lines, LogLevel threshold) {
-  ScopedFd opened = openRegularFile(path);
-  if (!opened.valid()) {
-    if (isRegularFile(path)) return Status(kOpenFailed);
-    notice_ = "no logfile available for this profile";
-    return Status(kSuccessWithWarnings);
-  }
-  LogFile log(std::move(opened));
-  const Status result = search(&log, wantedLines(max_lines), threshold, &found_);
+  ScopedFd log;
+  Status result = openLog(path, &log);
+  if (result.code() == kSuccessWithWarnings) notice_ = "no logfile available for this profile";
+  if (!log.valid()) return result;
+  LogFile file(std::move(log));
+  result = search(&file, wantedLines(max_lines), threshold, &found_);
   if (!result.ok()) found_.clear();
   return result;
 }
