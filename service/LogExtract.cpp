@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <new>
 #include <utility>
 
 #include "fundkit/DescriptorIo.h"
@@ -53,8 +54,12 @@ Status LogExtract::find(const std::string& path, int max_lines, LogLevel thresho
   Status result = openLog(path, &log);
   if (result.code() == kSuccessWithWarnings) notice_ = "no logfile available for this profile";
   if (!log.valid()) return result;
-  LogFile file(std::move(log));
-  result = search(&file, wantedLines(max_lines), threshold, &found_);
+  try {
+    LogFile file(std::move(log));
+    result = search(&file, wantedLines(max_lines), threshold, &found_);
+  } catch (const std::bad_alloc&) {
+    result = Status(kReadFailed);
+  }
   if (!result.ok()) found_.clear();
   return result;
 }

@@ -26,8 +26,8 @@ class LogExtract {
   // memory for the answer is at most twice its size and 2 MiB.
   //
   // Without a regular file at `path` there is one line that says so, and the status is
-  // kSuccessWithWarnings. Errors: kOpenFailed; kReadFailed, also when each of twenty searches
-  // found the log cut. For one call only.
+  // kSuccessWithWarnings. Errors: kOpenFailed; kReadFailed, also when memory does not suffice, and
+  // when each of twenty searches found the log cut. For one call only.
   Status find(const std::string& path, int max_lines, LogLevel threshold);
 
   // Hands out the lines one by one.
