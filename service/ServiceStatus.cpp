@@ -16,9 +16,9 @@ namespace tunadm {
 namespace {
 
 // After this many seconds without an update of the file, the daemon is gone.
-constexpr long kUpdateIsOldAfter = 6;
+constexpr long long kUpdateIsOldAfter = 6;
 // What it writes about its connections during its first seconds cannot be trusted.
-constexpr long kWarmUp = 4;
+constexpr long long kWarmUp = 4;
 
 constexpr int kFurtherLooks = 3;
 constexpr int kMillisecondsBetweenLooks = 33;
@@ -49,13 +49,13 @@ bool readStatusFile(const std::string& path, KeyValueTable* table) {
 }
 
 // Text that is not a number reads as 0.
-long number(const std::string& text) { return std::strtol(text.c_str(), nullptr, 10); }
+long long number(const std::string& text) { return std::strtoll(text.c_str(), nullptr, 10); }
 
 // `end` - `start`, or the nearest number that fits: the file may hold any time.
-long secondsBetween(long start, long end) {
-  long seconds = 0;
+long long secondsBetween(long long start, long long end) {
+  long long seconds = 0;
   if (!__builtin_sub_overflow(end, start, &seconds)) return seconds;
-  return end > start ? LONG_MAX : LONG_MIN;
+  return end > start ? LLONG_MAX : LLONG_MIN;
 }
 
 bool isOld(const std::string& update) {
