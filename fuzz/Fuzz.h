@@ -31,6 +31,14 @@ inline std::vector<std::string> fgetsLines(std::string_view text, std::size_t si
   return lines;
 }
 
+// `text` without the bytes at its ends that show nothing.
+inline std::string_view trimmed(std::string_view text) {
+  const auto shows = [](char byte) { return byte > 32 && byte < 127; };
+  const auto begin = std::find_if(text.begin(), text.end(), shows);
+  const auto end = std::find_if(text.rbegin(), text.rend(), shows).base();
+  return begin < end ? std::string_view(begin, end) : std::string_view();
+}
+
 // The path of a file that holds `content` until the next call.
 inline std::string fileWith(std::string_view content) {
   static const int file = memfd_create("input", MFD_CLOEXEC);

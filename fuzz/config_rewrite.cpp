@@ -6,18 +6,18 @@ void tunadm::checkInput(const std::string& input) {
   const auto notOwned = [](std::string_view all) {
     std::string kept;
     for (const std::string& line : fgetsLines(all, 8000))
-      if (!line.starts_with(kLogLevelKey) && !line.starts_with(kMapUriKey)) kept += line;
+      if (!line.starts_with("log_level=") && !line.starts_with("map_uri=")) kept += line;
     return kept;
   };
   const std::string value = input.substr(0, std::min<std::size_t>(input.find('\n'), 1000));
   const std::string text = input.substr(value.size());
   std::string kept = notOwned(text);
-  require(withoutLines(withoutLines(text, kLogLevelKey), kMapUriKey) == kept, "lines are removed");
+  require(withoutLines(withoutLines(text, "log_level="), "map_uri=") == kept, "lines are removed");
 
-  const Setting settings[] = {{kLogLevelKey, value}, {kMapUriKey, value}};
+  const Setting settings[] = {{"log_level=", value}, {"map_uri=", value}};
   const std::string after = withSettings(text, settings);
-  for (const std::string_view key : {kLogLevelKey, kMapUriKey})
-    require(after.find(std::string(key) + value + "\n") != after.npos, "a value is set");
+  for (const char* key : {"log_level=", "map_uri="})
+    require(after.find(key + value + "\n") != after.npos, "a value is set");
   require(withSettings(after, settings) == after, "a second rewrite changes nothing");
   const std::string left = notOwned(after);
   // What is appended ends a line without an end.

@@ -1,7 +1,6 @@
 // The readers of the daemon's files against the same in other words.
 #include <map>
 
-#include "fundkit/AsciiText.h"
 #include "fundkit/FileUtils.h"
 #include "fundkit/KeyValueFile.h"
 #include "fuzz/Fuzz.h"
@@ -14,9 +13,9 @@ void tunadm::checkInput(const std::string& text) {
     const std::string_view seen = piece.c_str();
     const std::size_t split = std::min(seen.find('='), seen.size());
     const std::size_t end = seen.find('#') < split ? seen.npos : seen.find('#');
-    const std::string_view key = trimGraphic(seen.substr(0, split));
+    const std::string_view key = trimmed(seen.substr(0, split));
     if (split < seen.size() && !key.empty())
-      expected[key] = trimGraphic(seen.substr(0, end).substr(split + 1));
+      expected[key] = trimmed(seen.substr(0, end).substr(split + 1));
   }
   KeyValueTable table;
   require(readKeyValueFile(fileWith(text), '=', '#', &table), "a file can be read");
@@ -26,15 +25,15 @@ void tunadm::checkInput(const std::string& text) {
 
   std::string first, interface, code, name, port;
   for (const std::string& raw : fgetsLines(text, 8000)) {
-    std::string line(trimGraphic(raw.c_str()));
+    std::string line(trimmed(raw.c_str()));
     if (first.empty()) first = line;
-    if (interface.empty() && line.starts_with(kMasterInterfaceKey)) interface = line;
-    line = maskNonAscii(line);
-    if (line.starts_with(kActivationCodeKey)) code = trimGraphic(&line[16]);
+    if (interface.empty() && line.starts_with("master_interface=")) interface = line;
+    for (char& byte : line) byte = (byte & 0x80) != 0 ? '?' : byte;  // not ASCII
+    if (line.starts_with("activation_code=")) code = trimmed(&line[16]);
   }
   require(firstNonEmptyLine(text) == first, "the first line that shows something");
   require(parseOverlaySettings(text).invitation == code, "the last code");
-  const std::string key(parseMasterInterface(text, &name) ? kMasterInterfaceKey : "");
+  const std::string key = parseMasterInterface(text, &name) ? "master_interface=" : "";
   require(key + name == interface, "the first interface");
   (void)parseHelmsmanAddress(text, &name, &port);  // an address is all that comes
   require(name.find_first_of(":/") == name.npos, "the host only");

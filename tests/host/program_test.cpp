@@ -222,7 +222,7 @@ TEST(Create, EndsAtOnceWithoutAStore) {
 TEST(Log, WithoutAccessOrMemory) {
   TestHost host;
   host.profile("a", "office").file("a/hip.log", std::string(8000000, 'x') + "\n", 0);
-  EXPECT_EQ(host.says("list log office", RunAs::kOrdinaryUser),
+  EXPECT_EQ(host.says("list log dir=a", RunAs::kOrdinaryUser),
             failure("stdlib error: file open", "0x14000005"));
 #ifndef TUNADM_SANITIZED  // the sanitizers need more
   const Outcome outcome = host.runWords(
