@@ -1,5 +1,10 @@
-// Gives a fuzz target the files of its corpus, then random inputs made of their lines and of the
-// words of its dictionary: a short test of its properties where there is no fuzzer.
+// PROGRAM CORPUS DICTIONARY [SEED]: gives a fuzz target the files of its corpus, then random inputs
+// made of their lines and of the words of its dictionary: a short test of its properties where
+// there is no fuzzer. The same seed makes the same inputs; without one it is always the same.
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -10,36 +15,94 @@
 namespace {
 
 constexpr int kRounds = 10000;
+constexpr const char* kUsualSeed = "1";
 constexpr std::size_t kLineBuffers[] = {1024, 4096, 8000};
+
+// What is being checked, and the file for it if it ends the program; read by the signal handler.
+std::string current_input;
+std::string current_name;
+std::string found_path;
+
+// Calls only what a signal handler may.
+void writeOut(int descriptor, std::string_view text) {
+  while (!text.empty()) {
+    const ssize_t count = write(descriptor, text.data(), text.size());
+    if (count <= 0) return;
+    text.remove_prefix(static_cast<std::size_t>(count));
+  }
+}
+
+// Shows the input that ends the program, and keeps it as a file for the corpus.
+extern "C" void showInput(int) {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  constexpr std::size_t kShown = 4000;
+  writeOut(STDERR_FILENO, current_name);
+  for (const char byte : std::string_view(current_input).substr(0, kShown)) {
+    const auto value = static_cast<unsigned char>(byte);
+    const char escaped[] = {'\\', 'x', kDigits[value / 16], kDigits[value % 16]};
+    const bool plain = value >= ' ' && value < 0x7f && value != '\\';
+    writeOut(STDERR_FILENO, plain ? std::string_view(&byte, 1) : std::string_view(escaped, 4));
+  }
+  writeOut(STDERR_FILENO, current_input.size() > kShown ? " and more; all is in " : "\nit is in ");
+  writeOut(STDERR_FILENO, found_path);
+  writeOut(STDERR_FILENO, "\n");
+  const int file = open(found_path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+  writeOut(file, current_input);
+}
+
+// Any end by a signal shows the input first; then the signal does what it does by default.
+void watchForEnds() {
+  struct sigaction action = {};
+  action.sa_handler = &showInput;
+  action.sa_flags = static_cast<int>(SA_RESETHAND);
+  for (const int number : {SIGABRT, SIGSEGV, SIGBUS, SIGFPE, SIGILL})
+    (void)sigaction(number, &action, nullptr);  // without it, an end shows less
+}
+
+void check(const std::string& name, const std::string& input) {
+  current_name = name + ": ";
+  current_input = input;
+  tunadm::checkInput(input);
+}
 
 std::string contentOf(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-}  // namespace
-
-int main(int, char** arguments) {
+// Checks the files of the corpus, and returns what random inputs are made of.
+std::vector<std::string> checkCorpus(const char* corpus, const char* dictionary) {
   std::vector<std::string> pieces = {"\n", "\r\n", " ", "#", "\\", "\"", "\xff", std::string(1, 0)};
-  for (std::string word : tunadm::fgetsLines(contentOf(arguments[2]), 1000)) {
+  for (std::string word : tunadm::fgetsLines(contentOf(dictionary), 1000)) {
     word = word.substr(1, word.size() - 3);  // without its quotes
     for (auto at = word.find("\\x"); at != word.npos; at = word.find("\\x", at + 1))
       word.replace(at, 4, 1, static_cast<char>(std::stoi(word.substr(at + 2, 2), nullptr, 16)));
     pieces.push_back(word);
   }
-  for (const auto& file : std::filesystem::directory_iterator(arguments[1])) {
+  for (const auto& file : std::filesystem::directory_iterator(corpus)) {
     const std::string content = contentOf(file);
-    tunadm::checkInput(content);
+    check(file.path(), content);
     for (const std::string& line : tunadm::fgetsLines(content, 1000)) pieces.push_back(line);
   }
-  std::mt19937 random(1);
+  return pieces;
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+  found_path = "found-" + std::filesystem::path(arguments[1]).filename().string();
+  watchForEnds();
+  const std::vector<std::string> pieces = checkCorpus(arguments[1], arguments[2]);
+  const std::string seed = count > 3 ? arguments[3] : kUsualSeed;
+  std::printf("seed: %s\n", seed.c_str());
+  std::mt19937 random(static_cast<unsigned>(std::stoul(seed)));
   for (int round = 0; round < kRounds; ++round) {
     std::string text;
-    for (auto count = random() % 40; count > 0; --count) {
+    for (auto left = random() % 40; left > 0; --left) {
       text += pieces[random() % pieces.size()];
       // Now and then about as much as one of the readers' buffers takes.
       if (random() % 50 == 0) text.append(kLineBuffers[random() % 3] - random() % 3, 'x');
     }
-    tunadm::checkInput(text);
+    check("seed " + seed + ", round " + std::to_string(round), text);
   }
 }
