@@ -43,13 +43,10 @@ void checkInput(const std::string& text) {
   std::string runs;
   LogExtract extract;
   const Status read = extract.find(fileWith(log), wanted, &kLogLevels[threshold]);
-  extract.forEachLine([&lines](std::string_view line) { lines.append(line).append("
-"); });
-  extract.forEachRun([&runs](std::string_view run) { runs.append(run).append("
-"); });
+  extract.forEachLine([&lines](std::string_view line) { lines.append(line).append("\n"); });
+  extract.forEachRun([&runs](std::string_view run) { runs.append(run).append("\n"); });
   std::string wanted_lines;
-  for (const std::string& line : expected) wanted_lines += line + "
-";
+  for (const std::string& line : expected) wanted_lines += line + "\n";
   require(read.code() == kSuccess, "the log can be read");
   require(lines == wanted_lines, "the last lines of the level");
   require(runs == lines, "runs of the same lines");
