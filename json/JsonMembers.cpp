@@ -34,9 +34,9 @@ void JsonMembers::makeIndex() {
   for (std::size_t position = 0; position < list_.size(); ++position) index_->insert(position);
 }
 
-void JsonMembers::append(std::string_view name, jsObject* value) {
+void JsonMembers::append(JsonText&& name, jsObject* value) {
   if (list_.empty()) list_.reserve(kFirstCapacity);
-  list_.push_back({JsonText(name), value});
+  list_.emplace_back(std::move(name), value);
   if (index_) {
     index_->insert(list_.size() - 1);
   } else if (list_.size() > kMostUnindexed) {
@@ -44,10 +44,10 @@ void JsonMembers::append(std::string_view name, jsObject* value) {
   }
 }
 
-jsObject* JsonMembers::put(std::string_view name, jsObject* value) {
-  const std::size_t position = find(name);
+jsObject* JsonMembers::put(JsonText name, jsObject* value) {
+  const std::size_t position = find(name.view());
   if (position != kNone) return std::exchange(list_[position].value, value);
-  append(name, value);
+  append(std::move(name), value);
   return nullptr;
 }
 

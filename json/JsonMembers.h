@@ -5,6 +5,7 @@
 #include <memory>
 #include <string_view>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "json/JsonPool.h"
@@ -15,6 +16,9 @@ namespace tunadm {
 class jsObject;
 
 struct JsonMember {
+  JsonMember(JsonText&& its_name, jsObject* its_value)
+      : name(std::move(its_name)), value(its_value) {}
+
   JsonText name;
   jsObject* value;
 };
@@ -22,7 +26,7 @@ struct JsonMember {
 // Unique names, each with a value that this class does not own, in the order in which they were
 // added, except after a removal. Large objects also have an index of the names, so that building
 // and searching one does not compare every name with every other.
-class JsonMembers : public JsonPooled {
+class JsonMembers {
  public:
   using MemberList = std::vector<JsonMember, JsonAllocator<JsonMember>>;
 
@@ -39,7 +43,7 @@ class JsonMembers : public JsonPooled {
 
   // Adds a member at the end, or replaces the value of the member of that name. Returns the old
   // value, or null.
-  jsObject* put(std::string_view name, jsObject* value);
+  jsObject* put(JsonText name, jsObject* value);
 
   // Removes a member and returns its value. The last member takes its place.
   jsObject* remove(std::size_t position);
@@ -65,7 +69,7 @@ class JsonMembers : public JsonPooled {
   };
   using NameIndex = std::unordered_set<std::size_t, NameHash, NameEqual>;
 
-  void append(std::string_view name, jsObject* value);
+  void append(JsonText&& name, jsObject* value);
   void makeIndex();
 
   MemberList list_;

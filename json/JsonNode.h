@@ -12,38 +12,27 @@
 
 namespace tunadm {
 
-// The elements of one array, which this does not own.
-struct JsonElements : JsonPooled {
-  std::vector<jsObject*, JsonAllocator<jsObject*>> list;
-};
+// The elements of one array.
+using JsonElements = std::vector<jsObject*, JsonAllocator<jsObject*>>;
 
-// Owns its payload, but not the values that an array or object points to; releaseJson frees those.
+// What values of all kinds share. Each kind adds its payload in a class of its own below, so that a
+// value is one block of memory that is no larger than its kind needs.
 class jsObject : public JsonPooled {
  public:
-  // Null, or an empty array or object.
-  explicit jsObject(JsonKind kind);
-  explicit jsObject(bool boolean) : kind_(kJsonBoolean), boolean_(boolean) {}
-  explicit jsObject(double number) : kind_(kJsonNumber), number_(number) {}
-  explicit jsObject(std::string_view text) : kind_(kJsonString), text_(text) {}
   jsObject(const jsObject&) = delete;
   jsObject& operator=(const jsObject&) = delete;
-  ~jsObject() {
-    if (kind_ == kJsonString) text_.~JsonText();
-    if (kind_ == kJsonArray) delete elements_;
-    if (kind_ == kJsonObject) delete members_;
-  }
 
   JsonKind kind() const { return kind_; }
   bool isContainer() const { return kind_ == kJsonArray || kind_ == kJsonObject; }
 
   // Each only for a value of its kind.
-  bool boolean() const { return boolean_; }
-  double number() const { return number_; }
-  const JsonText& text() const { return text_; }
-  const auto& elements() const { return elements_->list; }
-  auto& elements() { return elements_->list; }
-  const JsonMembers& members() const { return *members_; }
-  JsonMembers& members() { return *members_; }
+  bool boolean() const;
+  double number() const;
+  const JsonText& text() const;
+  const JsonElements& elements() const;
+  JsonElements& elements();
+  const JsonMembers& members() const;
+  JsonMembers& members();
 
   // Only for an array or object: the values in it.
   std::size_t childCount() const {
@@ -53,17 +42,63 @@ class jsObject : public JsonPooled {
     return kind_ == kJsonArray ? elements()[index] : members().list()[index].value;
   }
 
+ protected:
+  constexpr explicit jsObject(JsonKind kind) : kind_(kind) {}
+  ~jsObject() = default;  // releaseJson knows the class to delete
+
  private:
   JsonKind kind_;
-  union {
-    bool boolean_;
-    double number_;
-    JsonText text_;
-    // Apart, because they would make every value twice as large.
-    JsonElements* elements_;
-    JsonMembers* members_;
-  };
 };
+
+struct JsonNull final : jsObject {
+  constexpr JsonNull() : jsObject(kJsonNull) {}
+};
+
+struct JsonBoolean final : jsObject {
+  constexpr explicit JsonBoolean(bool value) : jsObject(kJsonBoolean), boolean(value) {}
+  const bool boolean;
+};
+
+struct JsonNumber final : jsObject {
+  constexpr explicit JsonNumber(double value) : jsObject(kJsonNumber), number(value) {}
+  const double number;
+};
+
+struct JsonString final : jsObject {
+  constexpr JsonString() : jsObject(kJsonString) {}
+  explicit JsonString(std::string_view value) : jsObject(kJsonString), text(value) {}
+  const JsonText text;
+};
+
+// Arrays and objects do not own the values in them: releaseJson frees those, without recursing.
+struct JsonArray final : jsObject {
+  // Most arrays have a few elements. This saves growing the list twice.
+  JsonArray() : jsObject(kJsonArray) { elements.reserve(4); }
+  JsonElements elements;
+};
+
+struct JsonObject final : jsObject {
+  JsonObject() : jsObject(kJsonObject) {}
+  JsonMembers members;
+};
+
+inline bool jsObject::boolean() const { return static_cast<const JsonBoolean*>(this)->boolean; }
+
+inline double jsObject::number() const { return static_cast<const JsonNumber*>(this)->number; }
+
+inline const JsonText& jsObject::text() const { return static_cast<const JsonString*>(this)->text; }
+
+inline const JsonElements& jsObject::elements() const {
+  return static_cast<const JsonArray*>(this)->elements;
+}
+
+inline JsonElements& jsObject::elements() { return static_cast<JsonArray*>(this)->elements; }
+
+inline const JsonMembers& jsObject::members() const {
+  return static_cast<const JsonObject*>(this)->members;
+}
+
+inline JsonMembers& jsObject::members() { return static_cast<JsonObject*>(this)->members; }
 
 // A place in a walk over a tree: the children of `container` before `next` are done. A walk keeps a
 // list of these instead of recursing, because a tree may be deeper than the stack.

@@ -69,7 +69,7 @@ void parserinfo::onName(std::string_view word) {
 }
 
 void parserinfo::setName(std::string_view name) {
-  name_ = name;
+  name_ = JsonText(name);
   state_ = kParserWantsColon;
 }
 
@@ -93,8 +93,7 @@ void parserinfo::addValue(jsObject* value) {
 // Takes ownership of `value`.
 void parserinfo::addMember(jsObject* object, jsObject* value) {
   if (!name_.empty()) {
-    releaseJson(object->members().put(name_, value));
-    name_.clear();
+    releaseJson(object->members().put(std::move(name_), value));
   } else {
     // Deliberate: a container under an empty name is dropped, but is not an error.
     const bool dropped = value->isContainer();
@@ -107,8 +106,7 @@ void parserinfo::addMember(jsObject* object, jsObject* value) {
 void parserinfo::open(jsObject* container, ParserState next) {
   ScopedJson owned(container);
   if (!name_.empty()) {
-    setMember(open_.back().container, name_, owned.take());
-    name_.clear();
+    releaseJson(open_.back().container->members().put(std::move(name_), owned.take()));
   }
   open_.push_back({container, std::move(owned)});
   state_ = next;
@@ -118,7 +116,7 @@ void parserinfo::close() {
   OpenContainer closed = std::move(open_.back());
   open_.pop_back();
   // A name left over by an error must not reach another container's member.
-  name_.clear();
+  name_ = JsonText();
   state_ = kParserWantsValue;
   if (closed.owned) return addValue(closed.owned.take());
   state_ = kParserHasMember;

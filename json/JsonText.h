@@ -2,7 +2,7 @@
 #pragma once
 
 #include <cstddef>
-#include <cstring>
+#include <cstdint>
 #include <string_view>
 #include <utility>
 
@@ -10,39 +10,86 @@
 
 namespace tunadm {
 
-// A text that never changes, in the pool's memory, with a NUL byte after it. Half the size of a
+// A text that never changes, with a NUL byte after it. Up to 14 bytes stand in the object itself,
+// which is enough for most member names; a longer text has a block of the pool. Half the size of a
 // std::string, since a tree has up to two for each value. A moved-from text is empty.
 class JsonText {
  public:
-  explicit JsonText(std::string_view text) : size_(text.size()) {
-    if (text.empty()) return;
-    char* const copy = static_cast<char*>(json_pool.take(size_ + 1));
-    std::memcpy(copy, text.data(), size_);
-    copy[size_] = '\0';
-    text_ = copy;
+  constexpr JsonText() = default;
+  explicit JsonText(std::string_view text) {
+    char* const copy = text.size() <= kMostInside ? inside(text.size()) : outside(text.size());
+    text.copy(copy, text.size());
+    copy[text.size()] = '\0';
   }
-  JsonText(JsonText&& other) noexcept
-      : text_(std::exchange(other.text_, "")), size_(std::exchange(other.size_, 0)) {}
+  JsonText(JsonText&& other) noexcept : form_(std::exchange(other.form_, Form())) {}
   JsonText& operator=(JsonText&& other) noexcept {
-    std::swap(text_, other.text_);
-    std::swap(size_, other.size_);
+    if (this == &other) return *this;
+    release();
+    form_ = std::exchange(other.form_, Form());
     return *this;
   }
-  ~JsonText() {
-    if (size_ != 0) json_pool.give(const_cast<char*>(text_), size_ + 1);
-  }
+  ~JsonText() { release(); }
 
-  // The first bytes tell most texts of equal length apart, without a call.
+  // The size and the first byte tell most texts apart, without a call.
   bool operator==(std::string_view other) const {
-    return size_ == other.size() && (size_ == 0 || (*text_ == other.front() && view() == other));
+    if (other.size() > kMostInside) return view() == other;
+    const Inside& own = form_.inside;
+    return own.size == other.size() &&
+           (other.empty() || (own.bytes[0] == other.front() && view() == other));
   }
 
-  const char* c_str() const { return text_; }
-  std::string_view view() const { return {text_, size_}; }
+  bool empty() const { return form_.inside.size == 0; }
+  const char* c_str() const {
+    return isOutside() ? bytesOf(form_.outside.block) : form_.inside.bytes;
+  }
+  std::string_view view() const {
+    return {c_str(), isOutside() ? form_.outside.block->size : form_.inside.size};
+  }
 
  private:
-  const char* text_ = "";
-  std::size_t size_;
+  static constexpr std::size_t kMostInside = 14;
+  static constexpr std::uint8_t kIsOutside = 0xff;
+
+  // Stands before the bytes of a long text.
+  struct Block {
+    std::size_t size;
+  };
+
+  // Both begin with the same member, which therefore tells which of the two is in use.
+  struct Inside {
+    std::uint8_t size;
+    char bytes[kMostInside + 1];
+  };
+  struct Outside {
+    std::uint8_t mark;  // kIsOutside
+    Block* block;
+  };
+  union Form {
+    Inside inside = {};
+    Outside outside;
+  };
+
+  static std::size_t blockSize(std::size_t text_size) { return sizeof(Block) + text_size + 1; }
+  static char* bytesOf(Block* block) { return reinterpret_cast<char*>(block + 1); }
+
+  bool isOutside() const { return form_.inside.size == kIsOutside; }
+
+  void release() {
+    if (isOutside()) json_pool.give(form_.outside.block, blockSize(form_.outside.block->size));
+  }
+
+  // Each returns where the bytes go.
+  char* inside(std::size_t size) {
+    form_.inside.size = static_cast<std::uint8_t>(size);
+    return form_.inside.bytes;
+  }
+  char* outside(std::size_t size) {
+    Block* const block = new (json_pool.take(blockSize(size))) Block{size};
+    form_.outside = {kIsOutside, block};
+    return bytesOf(block);
+  }
+
+  Form form_ = {};
 };
 
 }  // namespace tunadm

@@ -2,7 +2,6 @@
 // files.
 #include "json/JsonValue.h"
 
-#include <cmath>
 #include <cstddef>
 #include <functional>
 #include <vector>
@@ -12,31 +11,41 @@
 namespace tunadm {
 namespace {
 
-enum SharedPlace : std::size_t {
-  kPlaceOfNull,
-  kPlaceOfFalse,
-  kPlaceOfTrue,
-  kPlaceOfNumbers,
-  kPlaceOfEmptyString = kPlaceOfNumbers + 4,
-  kSharedCount,
+// The instances that all trees share, which a release recognises by their address. Initialised at
+// compile time, so that static initialisers can use them too.
+struct SharedValues {
+  JsonNull null;
+  JsonBoolean no{false};
+  JsonBoolean yes{true};
+  JsonNumber numbers[4] = {JsonNumber(-1), JsonNumber(0), JsonNumber(1), JsonNumber(2)};
+  JsonString empty_string;
 };
-
-constexpr double kLeastSharedNumber = -1;
-constexpr double kGreatestSharedNumber = 2;
-
-// Made on first use, so that static initialisers can use them too. A release recognises them by
-// their address in this table.
-jsObject* sharedValues() {
-  static jsObject values[kSharedCount] = {
-      jsObject(kJsonNull), jsObject(false), jsObject(true), jsObject(-1.0),
-      jsObject(0.0),       jsObject(1.0),   jsObject(2.0),  jsObject(std::string_view())};
-  return values;
-}
+constinit SharedValues shared_values;
 
 bool isShared(const jsObject* value) {
-  const jsObject* const first = sharedValues();
-  const std::less<> before;
-  return !before(value, first) && before(value, first + kSharedCount);
+  const std::less<const void*> before;
+  return !before(value, &shared_values) && before(value, &shared_values + 1);
+}
+
+// Frees one value, but not the values in it.
+void destroy(const jsObject* value) {
+  switch (value->kind()) {
+    case kJsonNumber:
+      delete static_cast<const JsonNumber*>(value);
+      return;
+    case kJsonString:
+      delete static_cast<const JsonString*>(value);
+      return;
+    case kJsonArray:
+      delete static_cast<const JsonArray*>(value);
+      return;
+    case kJsonObject:
+      delete static_cast<const JsonObject*>(value);
+      return;
+    case kJsonNull:
+    case kJsonBoolean:
+      return;  // always shared
+  }
 }
 
 bool hasKind(const jsObject* value, JsonKind kind) {
@@ -82,49 +91,39 @@ void copyChildren(const CopyStep& step, std::vector<CopyStep>* pending) {
 
 }  // namespace
 
-jsObject::jsObject(JsonKind kind) : kind_(kind), boolean_(false) {
-  if (kind == kJsonArray) elements_ = new JsonElements();
-  if (kind == kJsonObject) members_ = new JsonMembers();
-}
+jsObject* makeNull() { return &shared_values.null; }
 
-jsObject* makeNull() { return sharedValues() + kPlaceOfNull; }
-
-jsObject* makeBoolean(bool boolean) {
-  return sharedValues() + (boolean ? kPlaceOfTrue : kPlaceOfFalse);
-}
+jsObject* makeBoolean(bool boolean) { return boolean ? &shared_values.yes : &shared_values.no; }
 
 jsObject* makeNumber(double number) {
-  if (number >= kLeastSharedNumber && number <= kGreatestSharedNumber &&
-      number == std::trunc(number)) {
-    return sharedValues() + kPlaceOfNumbers + static_cast<int>(number - kLeastSharedNumber);
+  for (JsonNumber& shared : shared_values.numbers) {
+    if (number == shared.number) return &shared;
   }
-  return new jsObject(number);
+  return new JsonNumber(number);
 }
 
 jsObject* makeString(std::string_view text) {
-  return text.empty() ? sharedValues() + kPlaceOfEmptyString : new jsObject(text);
+  if (text.empty()) return &shared_values.empty_string;
+  return new JsonString(text);
 }
 
 jsObject* makeString(const char* text) {
   return makeString(text == nullptr ? std::string_view() : std::string_view(text));
 }
 
-jsObject* makeArray() { return new jsObject(kJsonArray); }
+jsObject* makeArray() { return new JsonArray(); }
 
-jsObject* makeObject() { return new jsObject(kJsonObject); }
+jsObject* makeObject() { return new JsonObject(); }
 
 void releaseJson(jsObject* value) {
   if (value == nullptr || isShared(value)) return;
-  if (!value->isContainer()) {
-    delete value;
-    return;
-  }
+  if (!value->isContainer()) return destroy(value);
   // In the order in which most trees are built, so that memory is read from front to back.
   std::vector<JsonWalkPlace> path = {{value, 0}};
   while (!path.empty()) {
     const jsObject* const container = path.back().container;
     if (path.back().next == container->childCount()) {
-      delete container;
+      destroy(container);
       path.pop_back();
       continue;
     }
@@ -132,7 +131,7 @@ void releaseJson(jsObject* value) {
     if (child->isContainer()) {
       path.push_back({child, 0});
     } else if (!isShared(child)) {
-      delete child;
+      destroy(child);
     }
   }
 }
