@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "json/JsonNode.h"
+#include "json/TokenScanner.h"
 
 namespace tunadm {
 
@@ -124,7 +125,7 @@ void parserinfo::close() {
 
 jsObject* parseJson(const char* text, std::ptrdiff_t length) {
   parserinfo parser;
-  if (!scanJson(text, length, &parser)) return nullptr;
+  if (!scanTokens(text, length, &parser)) return nullptr;
   return parser.takeResult();
 }
 

@@ -28,7 +28,7 @@ enum ParserState : std::int32_t {
 // a=1. This is deliberate, as is the trailing comma that it allows.
 //
 // The depth is not limited, and nothing recurses on it.
-class parserinfo : public TokenReceiver {
+class parserinfo final : public TokenReceiver {
  public:
   // Returns the finished value, which the caller then owns; null before the last token of the value
   // and on a second call.
