@@ -1,6 +1,5 @@
 #include "json/JsonMembers.h"
 
-#include <functional>
 #include <utility>
 
 namespace tunadm {
@@ -14,14 +13,10 @@ constexpr std::size_t kFirstCapacity = 4;
 
 }  // namespace
 
-std::size_t JsonMembers::NameHash::operator()(std::string_view name) const {
-  return std::hash<std::string_view>()(name);
-}
-
 std::size_t JsonMembers::find(std::string_view name) const {
   if (index_) {
-    const auto found = index_->find(name);
-    return found == index_->end() ? kNone : *found;
+    return index_->find(NameIndex::hashOf(name),
+                        [&](std::size_t position) { return list_[position].name == name; });
   }
   for (std::size_t position = 0; position < list_.size(); ++position) {
     if (list_[position].name == name) return position;
@@ -29,18 +24,22 @@ std::size_t JsonMembers::find(std::string_view name) const {
   return kNone;
 }
 
-void JsonMembers::makeIndex() {
-  index_ = std::make_unique<NameIndex>(4 * kMostUnindexed, NameHash{&list_}, NameEqual{&list_});
-  for (std::size_t position = 0; position < list_.size(); ++position) index_->insert(position);
+void JsonMembers::addToIndex(std::size_t position) {
+  index_->insert(NameIndex::hashOf(list_[position].name.view()), position);
+}
+
+void JsonMembers::removeFromIndex(std::size_t position) {
+  index_->erase(NameIndex::hashOf(list_[position].name.view()), position);
 }
 
 void JsonMembers::append(JsonText&& name, jsObject* value) {
   if (list_.empty()) list_.reserve(kFirstCapacity);
   list_.emplace_back(std::move(name), value);
   if (index_) {
-    index_->insert(list_.size() - 1);
+    addToIndex(list_.size() - 1);
   } else if (list_.size() > kMostUnindexed) {
-    makeIndex();
+    index_ = std::make_unique<NameIndex>();
+    for (std::size_t position = 0; position < list_.size(); ++position) addToIndex(position);
   }
 }
 
@@ -55,13 +54,13 @@ jsObject* JsonMembers::remove(std::size_t position) {
   const std::size_t last = list_.size() - 1;
   if (index_) {
     // Both must leave while their names are in place; the moved one is inserted again below.
-    index_->erase(position);
-    index_->erase(last);
+    removeFromIndex(position);
+    if (position != last) removeFromIndex(last);
   }
   jsObject* const removed = list_[position].value;
   if (position != last) list_[position] = std::move(list_[last]);
   list_.pop_back();
-  if (index_ && position != last) index_->insert(position);
+  if (index_ && position != last) addToIndex(position);
   return removed;
 }
 

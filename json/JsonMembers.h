@@ -4,12 +4,12 @@
 #include <cstddef>
 #include <memory>
 #include <string_view>
-#include <unordered_set>
 #include <utility>
 #include <vector>
 
 #include "json/JsonPool.h"
 #include "json/JsonText.h"
+#include "json/NameIndex.h"
 
 namespace tunadm {
 
@@ -30,7 +30,7 @@ class JsonMembers {
  public:
   using MemberList = std::vector<JsonMember, JsonAllocator<JsonMember>>;
 
-  static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+  static constexpr std::size_t kNone = NameIndex::kNone;
 
   JsonMembers() = default;
   JsonMembers(const JsonMembers&) = delete;
@@ -49,28 +49,9 @@ class JsonMembers {
   jsObject* remove(std::size_t position);
 
  private:
-  // The index holds positions. These compare them by their names, with a plain name too.
-  struct NameHash {
-    using is_transparent = void;
-    std::size_t operator()(std::string_view name) const;
-    std::size_t operator()(std::size_t position) const {
-      return (*this)((*list)[position].name.view());
-    }
-    const MemberList* list;
-  };
-  struct NameEqual {
-    using is_transparent = void;
-    bool operator()(std::size_t left, std::size_t right) const { return left == right; }
-    bool operator()(std::string_view left, std::size_t right) const {
-      return left == (*list)[right].name.view();
-    }
-    bool operator()(std::size_t left, std::string_view right) const { return (*this)(right, left); }
-    const MemberList* list;
-  };
-  using NameIndex = std::unordered_set<std::size_t, NameHash, NameEqual>;
-
   void append(JsonText&& name, jsObject* value);
-  void makeIndex();
+  void addToIndex(std::size_t position);
+  void removeFromIndex(std::size_t position);
 
   MemberList list_;
   std::unique_ptr<NameIndex> index_;  // empty while the object is small
