@@ -79,7 +79,7 @@ void addCommandName(TunadmCommandInstance* command, const jsObject* words, std::
 TunadmCommandInstance::TunadmCommandInstance(std::string_view method)
     : auth_(&params_),
       request_id_(&params_, "requestID", "", Required::kNo),
-      output_(&params_, "output", "", Required::kNo),
+      output_(&params_, kOutputParam, "", Required::kNo),
       status_(&results_, method, &flags_) {
   for (InputParamBase* param : params_) param->hide();
 }

@@ -18,6 +18,11 @@ namespace tunadm {
 // The output options: two pairs of opposites.
 inline constexpr std::string_view kOptionWords[] = {"--quiet", "--verbose", "--json", "--text"};
 
+// The parameter of every command that asks for JSON, and its value for that. Other values mean
+// nothing.
+inline constexpr std::string_view kOutputParam = "output";
+inline constexpr std::string_view kJsonOutput = "json";
+
 // The base of every command. A concrete command declares its parameters and result fields as
 // members; each adds itself to the lists here, after the common ones.
 class TunadmCommandInstance {
@@ -41,8 +46,8 @@ class TunadmCommandInstance {
   // --verbose the last one counts, and so it does of --json and --text.
   [[nodiscard]] bool applyOption(std::string_view word);
 
-  // Whether the parameter `output` asks for JSON: it is exactly "json".
-  [[nodiscard]] bool jsonWanted() const { return output_.value() == "json"; }
+  // Whether the command line asks for JSON.
+  [[nodiscard]] bool jsonWanted() const { return output_.value() == kJsonOutput; }
 
   // Each renders every field of a success, but only the status of a failure: as text lines, or as
   // one line with a JSON object, which begins with the request's ID if there is one.

@@ -57,7 +57,8 @@ std::string completionTable() {
 }
 
 std::string completionOptions() {
-  return joined({std::begin(kOptionWords), std::end(kOptionWords)}, " ");
+  std::string options = joined({std::begin(kOptionWords), std::end(kOptionWords)}, " ");
+  return options.append(" ").append(kOutputParam).append("=").append(kJsonOutput);
 }
 
 }  // namespace tunadm

@@ -20,7 +20,7 @@ std::string manualDetailKeys();
 // values. No line has a quote or a backslash.
 std::string completionTable();
 
-// The output options, separated by blanks.
+// The output options and the parameter that asks for JSON, separated by blanks.
 std::string completionOptions();
 
 }  // namespace tunadm
