@@ -38,7 +38,10 @@ SignalRelease::SignalRelease() {
 SignalRelease::~SignalRelease() { (void)pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
 
 void resetSignals() {
-  for (int number = 1; number <= SIGRTMAX; ++number) (void)std::signal(number, SIG_DFL);
+  for (int number = 1; number <= SIGRTMAX; ++number) {
+    (void)std::signal(number, SIG_IGN);  // discards one that was held back
+    (void)std::signal(number, SIG_DFL);
+  }
   sigset_t none;
   (void)sigemptyset(&none);
   (void)pthread_sigmask(SIG_SETMASK, &none, nullptr);

@@ -34,8 +34,9 @@ class SignalRelease {
   sigset_t before_;
 };
 
-// Gives every signal its default effect and holds none back: for a child process that is about to
-// become another program, which would inherit both. Safe after fork in a program with threads.
+// Gives every signal its default effect and holds none back, after those that were held back have
+// been discarded: for a child process that is about to become another program, which would inherit
+// all of that. Safe after fork in a program with threads.
 void resetSignals();
 
 }  // namespace tunadm

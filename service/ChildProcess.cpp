@@ -70,6 +70,4 @@ Status awaitChild(pid_t child) {
   return Status(kWaitpidFailed);
 }
 
-bool hasEnded(pid_t child) { return waitpid(child, nullptr, WNOHANG) != 0; }
-
 }  // namespace tunadm

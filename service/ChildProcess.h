@@ -50,7 +50,4 @@ inline constexpr int kNoChild = 3002;
 // kChildExitedNonzero, kChildSignalled or kWaitpidFailed.
 Status awaitChild(pid_t child);
 
-// True when `child` has ended already, or is not a child; it cannot be waited for any more then.
-[[nodiscard]] bool hasEnded(pid_t child);
-
 }  // namespace tunadm
