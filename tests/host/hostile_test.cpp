@@ -170,22 +170,6 @@ TEST(Hostile, EnvironmentMakesNoDifference) {
   }
 }
 
-TEST(Hostile, AStoppedServiceIsStartedByTheKeeper) {
-  for (const char* line : {"profile activate two", "profile modify one network=eth9 activate",
-                           "profile create new helmsman=h activate"}) {
-    Store host;
-    host.file("one/hipvars.txt", "uptime.now=99999999999\nuptime.started=1\n");
-    host.file("/bin/systemctl",
-              "#!/bin/sh\n[ $1 = start ] || kill -9 $PPID\n[ $1 = start ] || sleep 0.1\n"
-              "echo $1 >>/tmp/calls\n",
-              0755);
-    EXPECT_EQ(run(host, "", line).signal, SIGKILL) << line;
-    for (int tries = 0; tries < 100 && host.read("/tmp/calls") != "stop\nstart\n"; ++tries)
-      usleep(20000);
-    EXPECT_EQ(host.read("/tmp/calls"), "stop\nstart\n") << line;
-  }
-}
-
 TEST(Hostile, FullDisks) {
   const char* const kFillers[] = {"head -c 400000 /dev/zero >/opt/vrx/filler",
                                   "while : >/opt/vrx/filler$i; do i=${i}x; done"};

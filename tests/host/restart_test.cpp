@@ -1,0 +1,304 @@
+// A service that a command has stopped is started again, whatever happens to the command meanwhile.
+// A signal comes at each system call of the command, injected by strace, or from the scripts that
+// stop and start the service here.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/file.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <future>
+#include <iterator>
+#include <map>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "fundkit/LockFile.h"
+#include "tests/support/TestHost.h"
+
+namespace tunadm {
+namespace {
+
+const char* const kCommands[] = {"profile activate two", "profile create new helmsman=h activate",
+                                 "profile modify one network=eth9 activate"};
+const std::string kStop = "/bin/systemctl systemctl stop quenlay\n";
+const std::string kStart = "/bin/systemctl systemctl start quenlay\n";
+
+// A host whose daemon runs the profile "one".
+struct RestartHost : TestHost {
+  RestartHost() {
+    // What outlives the program becomes a child of this process. A core file would be left behind.
+    const rlimit no_core = {0, 0};
+    EXPECT_EQ(prctl(PR_SET_CHILD_SUBREAPER, 1) + setrlimit(RLIMIT_CORE, &no_core), 0);
+    factory().profile("one", "one").profile("two", "two").file(".current", "one\n", 0666);
+    file("one/hip.conf", "# ours\nmaster_interface=auto\n").file("/opt/vrx/.systemctl", "");
+    // No update of the daemon's can be newer, so it runs for ever.
+    file("one/hipvars.txt", "uptime.now=99999999999\nuptime.started=1\n");
+  }
+
+  // Scripts for sys=initd that record their calls and do this in the middle. The start takes the
+  // lock of the store, so nobody may hold it who waits for the start.
+  RestartHost& scripts(const std::string& in_stop, const std::string& in_start) {
+    const std::string rename = "\ntimeout 5 tunadm profile rename dir=two new_name=x\n";
+    file("/usr/bin/killall", script("stop", in_stop), 0755);
+    file("/etc/init.d/quenlay", script("start", in_start + rename), 0755);
+    return *this;
+  }
+  static std::string script(const std::string& verb, const std::string& body) {
+    return "#!/bin/sh\nexec >>/tmp/calls\necho " + verb + "\n" + body + "\necho end\n";
+  }
+
+  std::string calls() const { return read("/tmp/calls"); }
+};
+
+bool lockIsFree() {
+  const int file = open("/tmp/lock/profiles.lock", O_RDWR | O_CLOEXEC);
+  const bool is_free = file < 0 || flock(file, LOCK_EX | LOCK_NB) == 0;
+  if (file >= 0) (void)close(file);
+  return is_free;
+}
+
+// The child is the first of a process group.
+pid_t spawn(const std::string& line) {
+  std::istringstream stream(line);
+  std::vector<std::string> words{std::istream_iterator<std::string>(stream), {}};
+  std::vector<char*> arguments;
+  for (std::string& word : words) arguments.push_back(word.data());
+  arguments.push_back(nullptr);
+  const pid_t child = fork();
+  if (child != 0) return child;
+  const int out = open("/tmp/out", O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+  if (setpgid(0, 0) == 0 && dup2(out, 1) == 1) (void)execv(arguments[0], arguments.data());
+  _exit(126);
+}
+
+struct Ending {
+  int exit = -1;
+  int signal = 0;
+  int suspended = 0;  // how often it was continued
+  std::string out;
+};
+
+// Runs a command line in a process group of its own, and waits until all processes that come of it
+// have ended, those that outlive the command too. Where the command is suspended, it must not hold
+// the lock; it is continued then.
+Ending runToTheEnd(const TestHost& host, const std::string& line) {
+  Ending ending;
+  const pid_t program = spawn(line);
+  for (int tries = 0; tries < 50000; ++tries) {
+    int status = 0;
+    const pid_t changed = waitpid(-1, &status, WNOHANG | WUNTRACED);
+    if (changed < 0) {
+      EXPECT_TRUE(lockIsFree());
+      ending.out = host.read("/tmp/out");
+      return ending;
+    }
+    if (changed == 0) usleep(200);
+    if (changed != program) continue;
+    if (WIFSIGNALED(status)) ending.signal = WTERMSIG(status);
+    if (WIFEXITED(status)) ending.exit = WEXITSTATUS(status);
+    if (!WIFSTOPPED(status)) continue;
+    EXPECT_TRUE(lockIsFree());
+    ++ending.suspended;
+    EXPECT_EQ(kill(program, SIGCONT), 0);
+  }
+  ADD_FAILURE() << "a process does not end";
+  return ending;
+}
+
+struct Call {
+  std::string name;
+  int number;  // among those of the name
+  int forks;   // how many there were before it
+};
+
+// The calls from the making of the keeper's channel on.
+std::vector<Call> lastCalls() {
+  std::ifstream trace("/run/trace");
+  std::map<std::string, int> counts;
+  std::vector<Call> calls;
+  int forks = 0;
+  for (std::string line; std::getline(trace, line);) {
+    const std::string name = line.substr(0, line.find('('));
+    if (name.find(' ') != name.npos || name == "exit_group") continue;  // a signal, or the end
+    if (line.find("ERESTART") != line.npos) continue;  // the end of a child came between
+    const Call call = {name, ++counts[name], forks};
+    if (name == "socketpair" || !calls.empty()) calls.push_back(call);
+    if (name == "clone" || name == "clone3" || name == "fork") ++forks;
+  }
+  return calls;
+}
+
+std::string traced(const std::string& options, const std::string& command) {
+  return "/usr/bin/strace -D -qq -o /run/trace -e raw=recvmsg " + options + " /usr/sbin/tunadm " +
+         command;
+}
+
+std::string injection(const Call& call, const std::string& what) {
+  return "-e trace=" + call.name + " -e inject=" + call.name + ":" + what +
+         ":when=" + std::to_string(call.number);
+}
+
+// Each file is as it was or as the whole command leaves it, or it is a copy in a profile that was
+// being made. Only a killed command may leave such a copy half made.
+void expectWhole(const TestHost& host, bool killed, std::map<std::string, std::string> before,
+                 std::map<std::string, std::string> after) {
+  for (const auto& [path, text] : host.files()) {
+    if (killed && (path.ends_with(".temp") || (text.empty() && !before.contains(path)))) continue;
+    const std::string factory = "/opt/vrx/profiles/.factory" + path.substr(path.rfind('/'));
+    const auto is = [&text](auto& files, const std::string& at) {
+      return files.contains(at) && files[at] == text;
+    };
+    EXPECT_TRUE(is(before, path) || is(after, path) || is(before, factory)) << path << ": " << text;
+  }
+}
+
+bool canTrace() { return TestHost().run("/usr/bin/strace -o /dev/null true").exit == 0; }
+
+TEST(Restart, SignalsAtEachCall) {
+  if (!canTrace()) GTEST_SKIP() << "no program can be traced here";
+  const std::pair<const char*, int> signals[] = {
+      {"SIGKILL", SIGKILL}, {"SIGQUIT", SIGQUIT}, {"SIGINT", SIGINT}, {"SIGTSTP", SIGTSTP}};
+  for (const std::string command : kCommands) {
+    RestartHost clean;
+    clean.standIn("/bin/systemctl");
+    const auto before = clean.files();
+    EXPECT_EQ(runToTheEnd(clean, traced("", command)).exit, 0);
+    const auto after = clean.files();
+    const std::vector<Call> calls = lastCalls();
+    EXPECT_TRUE(calls.size() > 20 && calls.back().forks == 2) << command;
+    for (const Call& call : calls) {
+      for (const auto& [name, number] : signals) {
+        SCOPED_TRACE(command + ", " + call.name + " " + std::to_string(call.number) + ", " + name);
+        RestartHost host;
+        host.standIn("/bin/systemctl");
+        const std::string line = traced(injection(call, std::string("signal=") + name), command);
+        const Ending ending = runToTheEnd(host, line);
+        const bool stops = number == SIGTSTP;
+        EXPECT_TRUE(stops ? ending.exit == 0 : ending.signal == number) << ending.exit;
+        EXPECT_EQ(ending.suspended, stops ? 1 : 0);
+        // SIGKILL takes effect before the call, and not every process had been made then.
+        const int forks = number == SIGKILL ? call.forks : 2;
+        EXPECT_EQ(host.calls(), (forks > 1 ? kStop : "") + (forks > 0 ? kStart : ""));
+        expectWhole(host, number == SIGKILL, before, after);
+      }
+    }
+  }
+}
+
+TEST(Restart, RefusedProcesses) {
+  if (!canTrace()) GTEST_SKIP() << "no program can be traced here";
+  const Call channel = {"socketpair", 1, 0};
+  for (const std::string command : kCommands) {
+    RestartHost clean;
+    clean.standIn("/bin/systemctl");
+    EXPECT_EQ(runToTheEnd(clean, traced("-e trace=%process", command)).exit, 0);
+    std::string fork = "clone";
+    for (const Call& call : lastCalls()) fork = call.name == "clone3" ? call.name : fork;
+    for (const Call& refused : {channel, Call{fork, 1, 0}, Call{fork, 2, 1}}) {
+      RestartHost host;
+      host.standIn("/bin/systemctl");
+      const Ending ending = runToTheEnd(host, traced(injection(refused, "error=EAGAIN"), command));
+      // A stop that fails does not matter to a creation.
+      const bool told = refused.forks == 0 || !command.starts_with("profile create");
+      EXPECT_EQ(ending.out.find("0x1400000a") != ending.out.npos, told) << ending.out;
+      EXPECT_EQ(host.calls(), refused.forks == 0 ? "" : kStart);
+    }
+  }
+}
+
+TEST(Restart, SignalsFromTheScripts) {
+  const std::string start = "start\nprofile_name: x\nend\n";
+  const std::string all = "stop\nend\n" + start;
+  const std::string unfinished = "stop\n" + start;
+  const char kill_keeper[] =
+      "for child in $(cat /proc/$PPID/task/$PPID/children); do\n"
+      "  [ $child = $$ ] || kill -s KILL $child\ndone";
+  const struct {
+    const char* in_stop;
+    const char* in_start;
+    int signal;  // that ends the command
+    int suspended;
+    std::string calls;
+  } cases[] = {
+      // What is typed at a terminal reaches the process group: the command, and what it runs.
+      {"kill -s INT 0", "", SIGINT, 0, unfinished},
+      {"kill -s QUIT 0", "", SIGQUIT, 0, unfinished},
+      {"kill -s KILL 0", "", SIGKILL, 0, unfinished},
+      {"kill -s TSTP 0", "", 0, 1, all},
+      {"", "kill -s INT -- -$PPID", SIGINT, 0, all},
+      {"", "kill -s TSTP -- -$PPID", 0, 1, all},
+      {"kill -s KILL $PPID; sleep 0.1", "", SIGKILL, 0, all},
+      {"", "kill -s KILL $PPID", SIGKILL, 0, all},
+      {kill_keeper, "", 0, 0, all},
+      {"until grep -q start /tmp/calls; do sleep 0.1; done &", "", 0, 0, all},
+  };
+  for (const std::string command : kCommands) {
+    for (const auto& c : cases) {
+      SCOPED_TRACE(command + ", " + c.in_stop + ", " + c.in_start);
+      RestartHost host;
+      host.scripts(c.in_stop, c.in_start);
+      const Ending ending = runToTheEnd(host, "/usr/sbin/tunadm " + command + " sys=initd");
+      EXPECT_EQ(ending.signal, c.signal);
+      EXPECT_EQ(ending.suspended, c.suspended);
+      EXPECT_EQ(host.calls(), c.calls);
+    }
+  }
+}
+
+TEST(Restart, TheStartIsIndependentOfTheCaller) {
+  RestartHost host;
+  host.scripts("", "grep -E '^(Umask|Sig(Blk|Ign)):' /proc/self/status; ls /proc/self/fd");
+  host.file("/tmp/caller",
+            "umask 027; trap '' HUP INT QUIT PIPE ALRM TERM TSTP USR1; exec 5</dev/null 9>/tmp/x\n"
+            "exec /usr/sbin/tunadm profile activate two sys=initd\n");
+  sigset_t blocked;
+  sigset_t before;
+  EXPECT_EQ(sigfillset(&blocked) + pthread_sigmask(SIG_BLOCK, &blocked, &before), 0);
+  const Ending ending = runToTheEnd(host, "/bin/sh /tmp/caller");
+  EXPECT_EQ(pthread_sigmask(SIG_SETMASK, &before, nullptr), 0);
+  EXPECT_EQ(ending.out, "profile_name: two\n");
+  EXPECT_EQ(host.calls(),  // 3 is the directory that ls reads
+            "stop\nend\nstart\nUmask:\t0027\nSigBlk:\t0000000000000000\n"
+            "SigIgn:\t0000000000000000\n0\n1\n2\n3\nprofile_name: x\nend\n");
+}
+
+// A listing takes the lock when it has a name to repair.
+TEST(Restart, AStartMayListProfiles) {
+  for (const std::string command : kCommands) {
+    RestartHost host;
+    host.scripts("", "mkdir -p /opt/vrx/profiles/unnamed; timeout 5 tunadm list profiles");
+    EXPECT_EQ(runToTheEnd(host, "/usr/sbin/tunadm " + command + " sys=initd").exit, 0);
+    EXPECT_NE(host.calls().find("unnamed: profile\n"), std::string::npos) << host.calls();
+  }
+}
+
+TEST(Restart, ALongWaitForTheLockIsToldOnce) {
+  RestartHost host;
+  std::future<Outcome> outcome;
+  {
+    const LockFile lock("profiles", Blocking::kYes);
+    ASSERT_TRUE(lock.held());
+    outcome = std::async(std::launch::async, [&] {
+      return host.run("/usr/sbin/tunadm profile rename two new_name=x");
+    });
+    for (int tries = 0; host.read("/proc/locks").find("->") == std::string::npos; ++tries) {
+      ASSERT_LT(tries, 1000) << "does not wait";
+      usleep(10000);
+    }
+  }
+  const std::string text =
+      "waiting for the lock held by process " + std::to_string(getpid()) + "\n";
+  const std::string said = outcome.get().err;
+  EXPECT_TRUE(said.ends_with(text) && said.find("waiting") == said.rfind("waiting")) << said;
+}
+
+}  // namespace
+}  // namespace tunadm
