@@ -162,36 +162,38 @@ void expectWhole(const TestHost& host, bool killed, std::map<std::string, std::s
 
 bool canTrace() { return TestHost().run("/usr/bin/strace -o /dev/null true").exit == 0; }
 
-TEST(Restart, SignalsAtEachCall) {
+void signalsAtEachCall(const std::string& command) {
   if (!canTrace()) GTEST_SKIP() << "no program can be traced here";
   const std::pair<const char*, int> signals[] = {
       {"SIGKILL", SIGKILL}, {"SIGQUIT", SIGQUIT}, {"SIGINT", SIGINT}, {"SIGTSTP", SIGTSTP}};
-  for (const std::string command : kCommands) {
-    RestartHost clean;
-    clean.standIn("/bin/systemctl");
-    const auto before = clean.files();
-    EXPECT_EQ(runToTheEnd(clean, traced("", command)).exit, 0);
-    const auto after = clean.files();
-    const std::vector<Call> calls = lastCalls();
-    EXPECT_TRUE(calls.size() > 20 && calls.back().forks == 2) << command;
-    for (const Call& call : calls) {
-      for (const auto& [name, number] : signals) {
-        SCOPED_TRACE(command + ", " + call.name + " " + std::to_string(call.number) + ", " + name);
-        RestartHost host;
-        host.standIn("/bin/systemctl");
-        const std::string line = traced(injection(call, std::string("signal=") + name), command);
-        const Ending ending = runToTheEnd(host, line);
-        const bool stops = number == SIGTSTP;
-        EXPECT_TRUE(stops ? ending.exit == 0 : ending.signal == number) << ending.exit;
-        EXPECT_EQ(ending.suspended, stops ? 1 : 0);
-        // SIGKILL takes effect before the call, and not every process had been made then.
-        const int forks = number == SIGKILL ? call.forks : 2;
-        EXPECT_EQ(host.calls(), (forks > 1 ? kStop : "") + (forks > 0 ? kStart : ""));
-        expectWhole(host, number == SIGKILL, before, after);
-      }
+  RestartHost clean;
+  clean.standIn("/bin/systemctl");
+  const auto before = clean.files();
+  EXPECT_EQ(runToTheEnd(clean, traced("", command)).exit, 0);
+  const auto after = clean.files();
+  const std::vector<Call> calls = lastCalls();
+  ASSERT_TRUE(calls.size() > 20 && calls.back().forks == 2);
+  for (const Call& call : calls) {
+    for (const auto& [name, number] : signals) {
+      SCOPED_TRACE(command + ", " + call.name + " " + std::to_string(call.number) + ", " + name);
+      RestartHost host;
+      host.standIn("/bin/systemctl");
+      const std::string line = traced(injection(call, std::string("signal=") + name), command);
+      const Ending ending = runToTheEnd(host, line);
+      const bool stops = number == SIGTSTP;
+      EXPECT_TRUE(stops ? ending.exit == 0 : ending.signal == number) << ending.exit;
+      EXPECT_EQ(ending.suspended, stops ? 1 : 0);
+      // SIGKILL takes effect before the call, and not every process had been made then.
+      const int forks = number == SIGKILL ? call.forks : 2;
+      EXPECT_EQ(host.calls(), (forks > 1 ? kStop : "") + (forks > 0 ? kStart : ""));
+      expectWhole(host, number == SIGKILL, before, after);
     }
   }
 }
+
+TEST(Restart, SignalsAtEachCallOfActivate) { signalsAtEachCall(kCommands[0]); }
+TEST(Restart, SignalsAtEachCallOfCreate) { signalsAtEachCall(kCommands[1]); }
+TEST(Restart, SignalsAtEachCallOfModify) { signalsAtEachCall(kCommands[2]); }
 
 TEST(Restart, RefusedProcesses) {
   if (!canTrace()) GTEST_SKIP() << "no program can be traced here";
