@@ -2,6 +2,8 @@
 
 #include <cmath>
 #include <cstddef>
+#include <cstdlib>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -41,14 +43,11 @@ std::string repeated(std::string_view piece, int times) {
 
 TEST(AsciiCase, OnlyLettersOfAsciiHaveTwoForms) {
   EXPECT_TRUE(equalIgnoringCase("aZ@[`{\xc4", "Az@[`{\xc4"));
-  for (const auto& [left, right] : {Pair{"@", "`"}, {"[", "{"}, {"\xc4", "\xe4"}, {"a", "ab"}}) {
+  for (const auto& [left, right] : {Pair{"@", "`"}, {"[", "{"}, {"\xc4", "\xe4"}, {"a", "ab"}})
     EXPECT_FALSE(equalIgnoringCase(left, right)) << left << right;
-  }
-  EXPECT_TRUE(startsWithIgnoringCase("WARNing", "warn"));
-  EXPECT_TRUE(startsWithIgnoringCase("warn", "WARN"));
-  EXPECT_TRUE(startsWithIgnoringCase("", ""));
-  EXPECT_FALSE(startsWithIgnoringCase("war", "warn"));
-  EXPECT_FALSE(startsWithIgnoringCase("awarn", "warn"));
+  for (const auto& [text, prefix] : {Pair{"WARNing", "warn"}, {"warn", "WARN"}, {"", ""}})
+    EXPECT_TRUE(startsWithIgnoringCase(text, prefix)) << text;
+  for (const char* text : {"war", "awarn"}) EXPECT_FALSE(startsWithIgnoringCase(text, "warn"));
 }
 
 TEST(JsonScanner, TokensAsPrinted) {
@@ -56,6 +55,7 @@ TEST(JsonScanner, TokensAsPrinted) {
       {"\t[\r{\n] },: ", "[ { ] } , : "},
       {"null true false nulls True a.b_c1", "null true false nulls True a.b_c 1.000000 "},
       {"12abc 1:\"2,+.5]-2}3", "12.000000 1.000000 , 0.500000 ] -2.000000 } 3.000000 "},
+      {"#a -0 b`z", "error: scanner error a -0.000000 b error: scanner error z "},
       {"- .x 1[2 1e2 0x10 -inf", "0.000000 0.000000 1.000000 100.000000 16.000000 -inf "},
       {R"("\a,b""\"\\\/\'"1"c)", R"("?,b" ""\/'" 1.000000 )"},
       {"\"\\u0041\\q\\\n\\\"\" \"\" 1 \"\\\"\\", "\"?0041??\"\" \"\" 1.000000 "},
@@ -65,8 +65,41 @@ TEST(JsonScanner, TokensAsPrinted) {
     printJsonTokens(text, -1);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), tokens) << text;
   }
+  testing::internal::CaptureStdout();
+  printJsonTokens("1e99", -1);
+  EXPECT_EQ(testing::internal::GetCapturedStdout().size(), 100u);  // cut, and the blank
   const ScopedJson value(parseJson("\"a\0\\b\\f\\n\\r\\t\xff\"", 15));
   EXPECT_EQ(stringView(value.get()), std::string_view("a\0\b\f\n\r\t\xff", 8));
+}
+
+// The scanner looks at several bytes at a time, and short texts are stored in another way.
+TEST(JsonScanner, StringsOfAllLengths) {
+  for (int length = 0; length < 40; ++length) {
+    const std::string piece = repeated("\xa2", length);  // a quote but for its high bit
+    for (const auto& [escape, byte] : {Pair{"", ""}, {R"(\")", "\""}, {R"(\\)", "\\"}}) {
+      const std::string text = "[\"" + piece + escape + piece + R"(","\"",11111111111111111])";
+      const ScopedJson array(parseJson(text.c_str(), -1));
+      EXPECT_EQ(stringView(arrayAt(array.get(), 0)), piece + byte + piece) << text;
+      EXPECT_EQ(arraySize(array.get()), 3u) << text;
+    }
+    EXPECT_EQ(parsed('"' + piece + R"(\")"), "none") << length;
+    const ScopedJson object(makeObject());
+    EXPECT_STREQ(stringText(setStringMember(object.get(), piece + "n", piece)), piece.c_str());
+    EXPECT_EQ(memberName(object.get(), 0), piece + "n");
+    EXPECT_EQ(findMember(object.get(), piece + "n"), 0) << length;
+    EXPECT_EQ(findMember(object.get(), piece + "m"), -1) << length;
+  }
+}
+
+TEST(JsonScanner, NumbersAreReadAsByTheCLibrary) {
+  std::istringstream texts(
+      "0 7 -17 999999999999999 9007199254740993 18446744073709551617 0.1 5. -5.5 .5 -.5 -. +3 1-2 "
+      "0.000000000000001 1234567.89012345 9.675781823764509 123456789012345.5 0.30000000000000004 "
+      "1e5 1.5e-3 1.5.5 1e999 -1e999 1e-400 0x1p3 -0x.8");
+  for (std::string text; texts >> text;) {
+    const ScopedJson value(parseJson(text.c_str(), -1));
+    EXPECT_EQ(numberValue(value.get()), std::strtod(text.c_str(), nullptr)) << text;
+  }
 }
 
 TEST(JsonParser, Values) {
@@ -75,14 +108,22 @@ TEST(JsonParser, Values) {
        R"({ "a":1, "b":[ true, null, { } ], "c.d":"x", "e":{ "f":{ "g":[ ] } } })"},
       {R"({"a":1,"b":2,"a":[{}]})", R"({ "a":[ { } ], "b":2 })"},
       {R"({} "a)", "{ }"},
+      {"[false,\"\",null,1,]", R"([ false, "", null, 1 ])"},
       // A closing bracket makes good what went wrong inside.
       {R"({"a" 1})", "{ }"},
       {"{a:1 x}", R"({ "a":1 })"},
       {R"([{"a":},[3],{"b":2}])", R"([ { }, [ 3 ], { "b":2 } ])"},
       {R"({"a":{"":{"c":[1]}},"":[2],b:2})", R"({ "a":{ }, "b":2 })"},
+      {"[,1]", "[ ]"},
+      {"[1:2:,3]", "[ 1, 3 ]"},
+      {R"({"":1,b:2})", "{ }"},
+      {"{a:{b,},c:3}", R"({ "a":{ }, "c":3 })"},
+      {"{a:[{b}],c:[[3],4]}", R"({ "a":[ { } ], "c":[ [ 3 ], 4 ] })"},
+      {"{[1],a:1}", "{ }"},
   };
   for (const auto& [text, out] : cases) EXPECT_EQ(parsed(text), out) << text;
-  for (const char* text : {"", "{} #", "{}{}", R"({"a":"abc)", R"([{"":{"b":[1)"})
+  for (const char* text : {"", "{} #", "{}{}", R"({"a":"abc)", R"([{"":{"b":[1)", "[1}", "{a:1]",
+                           "]", "}", "1 2", "a", "[1]1"})
     EXPECT_EQ(parsed(text), "none") << text;
   EXPECT_EQ(parseJson(nullptr, 5), nullptr);
   const Pair sequences[] = {
@@ -90,7 +131,9 @@ TEST(JsonParser, Values) {
       {"[1]{}{}", "[ ]"},
       {"{a:1 #,c:2}{b:null}", R"([ { "a":1 }, { "b":null } ])"},
   };
-  for (const auto& [text, out] : sequences) EXPECT_EQ(parsed(text, &parseJsonSequence), out);
+  for (const auto& [text, out] : sequences)
+    EXPECT_EQ(parsed(text, &parseJsonSequence), out) << text;
+  EXPECT_EQ(parseJsonSequence("", -1), nullptr);
 }
 
 // None of this may use the stack for each level.
@@ -105,14 +148,12 @@ TEST(JsonParser, DepthAndSize) {
 }
 
 TEST(JsonPrinter, Numbers) {
-  std::string texts;
-  for (const double number : {3.0, 2.5, 0.999999, 0.99998, -1e-6, -2.0, 2147483647.0, 2147483648.0,
-                              -2147483648.0, HUGE_VAL, std::fabs(std::nan(""))}) {
-    texts += printed(ScopedJson(makeNumber(number)).get()) + " ";
-  }
-  EXPECT_EQ(texts,
-            "3 2.500000 1 0.999980 0 -2.000000 2147483647 2147483648.000000 -2147483648.000000 "
-            "inf nan ");
+  std::istringstream cases(
+      "3 3  2.5 2.500000  0.999999 1  0.99998 0.999980  1.000009 1  1.000011 1.000011  -1e-6 0 "
+      "-2e-5 -0.000020  -0.5 -0.500000  -2 -2.000000  2147483647 2147483647  1e999 inf "
+      "2147483648 2147483648.000000  -2147483648 -2147483648.000000");
+  for (std::string text, out; cases >> text >> out;) EXPECT_EQ(parsed(text), out) << text;
+  EXPECT_EQ(printed(ScopedJson(makeNumber(std::fabs(std::nan("")))).get()), "nan");
   EXPECT_EQ(printed(ScopedJson(makeNumber(-1e308)).get()).size(), 317u);
 }
 
@@ -129,10 +170,79 @@ TEST(JsonPrinter, StringsAndTheWordsOfAnArray) {
   EXPECT_EQ(arrayToWords(array.get()), words);
 }
 
+TEST(JsonArray, ElementsAreSetTakenAndRemoved) {
+  const ScopedJson array(parseJson("[10,11,12]", -1));
+  jsObject* const a = array.get();
+  setAt(a, 1, makeString("x"));
+  setAt(a, 3, makeNumber(13));
+  setAt(a, 5, makeNumber(15));  // beyond the end
+  setAt(a, 0, nullptr);
+  setAt(a, 2, arrayAt(a, 2));  // the same value again
+  EXPECT_EQ(printed(a), R"([ null, "x", 12, 13 ])");
+  EXPECT_EQ(printed(ScopedJson(takeAt(a, 1)).get()), R"("x")");
+  EXPECT_EQ(takeAt(a, 3), nullptr);
+  EXPECT_EQ(printed(ScopedJson(takeLast(a)).get()), "13");
+  EXPECT_EQ(printed(a), "[ null, 12 ]");
+  removeAt(a, 0);
+  removeAt(a, 1);
+  EXPECT_EQ(printed(a), "[ 12 ]");
+  removeAt(a, 0);
+  EXPECT_EQ(takeLast(a), nullptr);
+  EXPECT_EQ(appendNull(a), makeNull());
+  EXPECT_EQ(printed(appendObject(a)), "{ }");
+  EXPECT_EQ(printed(appendNumber(a, 7)), "7");
+  EXPECT_EQ(appendBoolean(a, false), makeBoolean(false));
+  EXPECT_EQ(printed(appendString(a, "s")), R"("s")");
+  appendValue(a, nullptr);
+  EXPECT_EQ(printed(a), R"([ null, { }, 7, false, "s", null ])");
+}
+
+// A shared instance survives its release; copies share it again, and have other values of their
+// own.
+TEST(JsonValue, SharedInstancesAndCopies) {
+  const ScopedJson tree(
+      parseJson(R"([null,true,false,-1,0,1,2,"",3,1.5,"t",[{"a":-2}],-3,0.5])", -1));
+  const ScopedJson copy(deepCopy(tree.get()));
+  EXPECT_EQ(printed(copy.get()), printed(tree.get()));
+  for (std::size_t i = 0; i < arraySize(tree.get()); ++i) {
+    EXPECT_EQ(arrayAt(copy.get(), i) == arrayAt(tree.get(), i), i < 8) << i;
+    if (i < 8) releaseJson(arrayAt(tree.get(), i));
+  }
+  EXPECT_EQ(printed(tree.get()), printed(copy.get()));
+  EXPECT_FALSE(booleanValue(makeBoolean(false)));
+  EXPECT_EQ(makeString(static_cast<const char*>(nullptr)), makeString(""));
+  EXPECT_EQ(numberValue(ScopedJson(makeNumber(-2.5)).get()), -2.5);
+}
+
+TEST(JsonValue, EachKindIsOnlyItself) {
+  using KindTest = bool (*)(const jsObject*);
+  using Accessor = const jsObject* (*)(const jsObject*);
+  const KindTest tests[] = {&isNull, &isBoolean, &isNumber, &isString, &isArray, &isObject};
+  const Accessor accessors[] = {&asNull, &asBoolean, &asNumber, &asString, &asArray, &asObject};
+  const ScopedJson values(parseJson("[null,true,3,\"t\",[4],{a:5}]", -1));
+  for (std::size_t kind = 0; kind < 6; ++kind) {
+    const jsObject* const value = arrayAt(std::as_const(values).get(), kind);
+    for (std::size_t other = 0; other < 6; ++other) {
+      EXPECT_EQ(tests[other](value), other == kind) << kind << other;
+      EXPECT_EQ(accessors[other](value), other == kind ? value : nullptr) << kind << other;
+    }
+    EXPECT_FALSE(tests[kind](nullptr)) << kind;
+    EXPECT_EQ(booleanValue(value), kind == 1) << kind;
+    EXPECT_EQ(numberValue(value), kind == 2 ? 3 : 0) << kind;
+    EXPECT_STREQ(stringText(value), kind == 3 ? "t" : "") << kind;
+    EXPECT_EQ(arraySize(value), kind == 4 ? 1u : 0u) << kind;
+    EXPECT_EQ(objectSize(value), kind == 5 ? 1u : 0u) << kind;
+    EXPECT_EQ(findMember(value, "a"), kind == 5 ? 0 : -1) << kind;
+    EXPECT_EQ(findMemberIgnoringCase(value, "A"), kind == 5 ? 0 : -1) << kind;
+    EXPECT_EQ(memberValue(value, 1), nullptr) << kind;
+    EXPECT_EQ(memberName(value, 1), "") << kind;
+  }
+}
+
 TEST(JsonObject, SetMemberReplacesInPlaceAndRemovalMovesTheLastMemberIntoTheGap) {
   const ScopedJson object(parseJson(R"({"a":5, "b":6, "c":7, "d":8})", -1));
   jsObject* o = object.get();
-  setMember(o, "b", memberValue(o, 1));  // the same value again
+  setMember(o, "d", memberValue(o, 3));  // the same value again
   setMember(o, "a", makeArray());
   setMember(o, "b", nullptr);  // removes it
   setMember(o, "", makeString("dropped"));
@@ -140,6 +250,10 @@ TEST(JsonObject, SetMemberReplacesInPlaceAndRemovalMovesTheLastMemberIntoTheGap)
   EXPECT_EQ(printed(o), std::string_view("{ \"a\":[ ], \"d\":8, \"c\":7, \"a\0\":null }", 36));
   EXPECT_EQ(printed(ScopedJson(detachMember(o, "c")).get()), "7");
   EXPECT_EQ(findMemberIgnoringCase(o, "D"), 1);
+  EXPECT_EQ(findMember(o, "D"), -1);
+  EXPECT_EQ(printed(o), std::string_view("{ \"a\":[ ], \"d\":8, \"a\0\":null }", 29));
+  EXPECT_EQ(printed(setStringMember(o, "d", "t")), R"("t")");
+  EXPECT_EQ(setStringMember(o, "", "t"), nullptr);
   EXPECT_EQ(detachMember(o, ""), nullptr);
 }
 
