@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstdlib>
 #include <iostream>
 #include <iterator>
@@ -9,11 +10,25 @@
 namespace tunadm {
 namespace {
 
+struct Param {
+  std::string_view command;
+  std::string_view name;
+};
+
+// Accepted, but without an effect.
+constexpr Param kIdleParams[] = {{"profile create", "log_level"}, {"service restart", "full"}};
+
+bool isIdle(std::string_view command, const InputParamBase& param) {
+  return std::any_of(std::begin(kIdleParams), std::end(kIdleParams), [&](const Param& idle) {
+    return idle.command == command && idle.name == param.name();
+  });
+}
+
 std::string targetOf(const CommandEntry& command) {
   if (command.target == nullptr) return "";
   switch (command.target->kind) {
     case TargetKind::kProfile:
-      return "profile " + std::string(command.target->words);
+      return "profile " + std::string(command.target->words) + " dir=";
     case TargetKind::kNewProfile:
       return "new";
     case TargetKind::kRequest:
@@ -22,9 +37,11 @@ std::string targetOf(const CommandEntry& command) {
   return "";
 }
 
-std::string paramsOf(const TunadmCommandInstance& command) {
+std::string paramsOf(const CommandEntry& command) {
   std::string params;
-  for (const InputParamBase* param : command.shownParams()) {
+  const ScopedPtr<TunadmCommandInstance> sample = makeSample(command);
+  for (const InputParamBase* param : sample->shownParams()) {
+    if (isIdle(command.name, *param)) continue;
     if (!params.empty()) params += " ";
     params += param->name();
     if (param->needsValue()) params.append("=").append(joined(param->values(), ","));
@@ -45,7 +62,7 @@ std::string completionTable() {
   std::string table;
   for (const CommandEntry& command : commands()) {
     std::string fields = targetOf(command);
-    fields.append("|").append(paramsOf(*makeSample(command))).append("|").append(command.summary);
+    fields.append("|").append(paramsOf(command)).append("|").append(command.summary);
     for (const CommandWay& way : waysToName(command)) {
       std::string line(way.first);
       line.append("|").append(way.second).append("|").append(fields);
@@ -56,8 +73,10 @@ std::string completionTable() {
   return table;
 }
 
+// The other two options have no effect.
 std::string completionOptions() {
-  std::string options = joined({std::begin(kOptionWords), std::end(kOptionWords)}, " ");
+  const auto& [quiet, verbose, json, text] = kOptionWords;
+  std::string options = joined({quiet, verbose}, " ");
   return options.append(" ").append(kOutputParam).append("=").append(kJsonOutput);
 }
 
