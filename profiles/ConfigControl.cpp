@@ -38,8 +38,8 @@ Status writeSettings(std::string_view dir_name, std::string_view file_name,
                      [&settings](std::string_view text) { return withSettings(text, settings); });
 }
 
-// Deliberate: the address is compared as it is stored, in network byte order, so that a
-// little-endian host refuses a.b.254.169 and takes 169.254.c.d.
+// Deliberate: the address is compared as it is stored, in network byte order, so a little-endian
+// host refuses a.b.254.169 and takes 169.254.c.d. A big-endian host does the opposite.
 bool isLinkLocal(const sockaddr* address) {
   sockaddr_in ipv4;
   std::memcpy(&ipv4, address, sizeof ipv4);
