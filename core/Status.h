@@ -47,7 +47,8 @@ inline constexpr StatusCode kUnimplemented = 0x24000002;
   return (static_cast<std::uint32_t>(code) >> 24) == 0;
 }
 
-// A status code with two texts: what exactly went wrong, and what was being done.
+// A status code with two texts that belong to the result: what exactly went wrong, and what was
+// being done. A third one is for the log only: the cause, what the system refused and why.
 class [[nodiscard]] Status {
  public:
   explicit Status(StatusCode code) : code_(code) {}
@@ -57,21 +58,30 @@ class [[nodiscard]] Status {
   StatusCode code() const { return code_; }
   const std::string& details() const { return details_; }
   const std::string& context() const { return context_; }
+  const std::string& cause() const { return cause_; }
   bool ok() const { return isSuccess(code_); }
 
-  // Replaces the code and leaves both texts.
+  // Replaces the code and leaves all texts.
   void setCode(StatusCode code) { code_ = code; }
 
-  // Back to success. Deliberate: the context of an earlier step survives, the details do not.
+  // Replaces the cause: "open /opt/vrx/profiles/.factory: No such file or directory".
+  Status& because(std::string_view cause) {
+    cause_ = cause;
+    return *this;
+  }
+
+  // Back to success. Deliberate: the context of an earlier step survives, the other texts do not.
   void reset() {
     code_ = kSuccess;
     details_.clear();
+    cause_.clear();
   }
 
  private:
   StatusCode code_;
   std::string details_;
   std::string context_;
+  std::string cause_;
 };
 
 }  // namespace tunadm

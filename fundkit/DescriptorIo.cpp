@@ -90,6 +90,7 @@ bool readAll(int descriptor, std::size_t largest, std::string* text) {
     if (count <= 0) return count == 0;
     text->append(chunk, static_cast<std::size_t>(count));
   }
+  errno = EFBIG;
   return false;
 }
 

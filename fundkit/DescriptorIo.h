@@ -25,7 +25,7 @@ ssize_t readSome(int descriptor, char* buffer, std::size_t size);
 ssize_t readAt(int descriptor, off_t offset, char* buffer, std::size_t size);
 
 // Appends what follows in a regular file to `text`. False on failure and when `text` would grow
-// beyond `largest` bytes.
+// beyond `largest` bytes (EFBIG); errno tells why.
 [[nodiscard]] bool readAll(int descriptor, std::size_t largest, std::string* text);
 
 // Writes all of `text`, in one call of write where the system takes it; waits where a non-blocking
@@ -36,7 +36,8 @@ ssize_t readAt(int descriptor, off_t offset, char* buffer, std::size_t size);
 [[nodiscard]] bool cutFile(int descriptor, off_t length);
 [[nodiscard]] bool syncToDisk(int descriptor);
 
-// Flushes the whole file system that the descriptor is on, repeated after EINTR. False on failure.
+// Flushes the whole file system that the descriptor is on, repeated after EINTR. False on failure;
+// errno tells why.
 [[nodiscard]] bool syncFileSystem(int descriptor);
 
 // As writeAll, for standard output and error. If the reader has gone, SIGPIPE does not end the

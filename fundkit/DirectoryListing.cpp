@@ -9,6 +9,7 @@
 
 #include "fundkit/DescriptorIo.h"
 #include "fundkit/DirectoryStream.h"
+#include "fundkit/SystemFailure.h"
 
 namespace tunadm {
 namespace {
@@ -53,14 +54,14 @@ DirectoryListing listDirectory(const std::string& path) {
   }
   DirectoryStream stream(openDescriptor(path, O_RDONLY | O_DIRECTORY));
   if (!stream.valid()) {
-    listing.status = Status(kOpendirFailed);
+    listing.status = systemFailure(kOpendirFailed, "open", path);
     return listing;
   }
   while (const dirent* entry = stream.next()) {
     std::vector<std::string>* list = listForEntry(stream, *entry, &listing);
     if (list != nullptr) list->emplace_back(entry->d_name);
   }
-  if (stream.failed()) listing.status = Status(kReadFailed);
+  if (stream.failed()) listing.status = systemFailure(kReadFailed, "read", path);
   return listing;
 }
 

@@ -7,6 +7,7 @@
 
 #include "fundkit/DescriptorIo.h"
 #include "fundkit/FileUtils.h"
+#include "fundkit/SystemFailure.h"
 
 namespace tunadm {
 namespace {
@@ -59,10 +60,10 @@ Status readFile(const std::string& path, std::string* content) {
   content->clear();
   if (path.empty()) return Status(kInvalidArgument);
   const ScopedFd file = openRegularFile(path);
-  if (!file.valid()) return Status(errno == 0 ? kReadFailed : kOpenFailed);
+  if (!file.valid()) return systemFailure(errno == 0 ? kReadFailed : kOpenFailed, "open", path);
   if (readAll(file.get(), kLargestFile, content)) return Status(kSuccess);
   content->clear();
-  return Status(kReadFailed);
+  return systemFailure(kReadFailed, "read", path);
 }
 
 LineRead readFirstLine(int directory, const char* path, std::string* line) {

@@ -9,6 +9,7 @@
 #include "fundkit/DescriptorIo.h"
 #include "fundkit/FileUtils.h"
 #include "fundkit/InPlace.h"
+#include "fundkit/SystemFailure.h"
 #include "fundkit/WorkFile.h"
 
 namespace tunadm {
@@ -29,18 +30,28 @@ Status openReplaced(const std::string& path, ScopedFd* file) {
   *file = openDescriptor(path, O_RDONLY);
   // Owner and mode of a file that may not be read, or not be opened at all, can still be seen.
   if (!file->valid() && (errno == EACCES || errno == ENXIO)) *file = openDescriptor(path, O_PATH);
-  if (!file->valid()) return Status(errno == ENOENT || errno == ELOOP ? kSuccess : kOpenFailed);
+  if (!file->valid() && (errno == ENOENT || errno == ELOOP)) return Status(kSuccess);
   struct stat found {};
-  if (fstat(file->get(), &found) != 0) return Status(kOpenFailed);
+  if (!file->valid() || fstat(file->get(), &found) != 0) {
+    return systemFailure(kOpenFailed, "open", path);
+  }
   if (S_ISREG(found.st_mode)) return Status(kSuccess);
   (void)file->close();  // only looked at
-  return Status(isRealDirectory(path) ? kOpenFailed : kSuccess);
+  if (!isRealDirectory(path)) return Status(kSuccess);
+  errno = EISDIR;
+  return systemFailure(kOpenFailed, "open", path);
+}
+
+Status closeWritten(const std::string& path, ScopedFd* file) {
+  errno = file->close();
+  return errno == 0 ? Status(kSuccess) : systemFailure(kWriteFailed, "close", path);
 }
 
 // The change is made. A caller who may change the directory but not read it cannot flush it.
 Status flushChanged(const std::string& directory) {
   Status flushed = flushDirectory(directory);
-  if (flushed.code() == kOpenFailed) return Status(errno == EACCES ? kSuccess : kWriteFailed);
+  if (flushed.code() == kOpenFailed && errno == EACCES) return Status(kSuccess);
+  if (flushed.code() == kOpenFailed) flushed.setCode(kWriteFailed);
   return flushed;
 }
 
@@ -81,32 +92,38 @@ Status replaceFiles(std::span<const FileContent> files) {
   if (files.size() == 1) return replaceFile(first.path, first.text, first.mode);
   std::deque<WorkFile> works;  // its elements never move
   if (Status written = writeAllOf(files, &works); !written.ok()) return written;
-  const ScopedFd directory = openDescriptor(directoryOf(first.path), O_RDONLY | O_DIRECTORY);
-  if (!directory.valid()) return Status(kOpenFailed);
-  if (!syncFileSystem(directory.get())) return Status(kWriteFailed);
+  const std::string parent = directoryOf(first.path);
+  const ScopedFd directory = openDescriptor(parent, O_RDONLY | O_DIRECTORY);
+  if (!directory.valid()) return systemFailure(kOpenFailed, "open", parent);
+  if (!syncFileSystem(directory.get())) return systemFailure(kWriteFailed, "syncfs", parent);
   for (WorkFile& work : works) {
     if (Status moved = work.move(); !moved.ok()) return moved;
   }
-  return Status(syncFileSystem(directory.get()) ? kSuccess : kWriteFailed);
+  if (syncFileSystem(directory.get())) return Status(kSuccess);
+  return systemFailure(kWriteFailed, "syncfs", parent);
 }
 
 Status rewriteFile(const std::string& path,
                    const std::function<std::string(std::string_view old)>& change) {
   if (path.empty()) return Status(kInvalidArgument);
   const ScopedFd file = openRegularFile(path);
-  if (!file.valid() && errno == 0) return Status(kReadFailed);
-  if (!file.valid() && !isMissing(path)) return Status(kOpenFailed);
+  if (!file.valid() && errno == 0) return systemFailure(kReadFailed, "open", path);
+  if (!file.valid() && !isMissing(path)) return systemFailure(kOpenFailed, "open", path);
   std::string old;
-  if (file.valid() && !readAll(file.get(), kLargestFile, &old)) return Status(kReadFailed);
+  if (file.valid() && !readAll(file.get(), kLargestFile, &old)) {
+    return systemFailure(kReadFailed, "read", path);
+  }
   return replaceOpened(path, change(old), std::nullopt, file.get());
 }
 
 Status overwriteFile(const std::string& path, std::string_view text) {
   if (path.empty()) return Status(kInvalidArgument);
   ScopedFd file = openInPlace(path, O_CREAT, kNewFileMode);
-  if (!file.valid()) return Status(kOpenFailed);
-  const bool written = replaceContent(file.get(), text, Flush::kNo);
-  return Status(written && file.close() == 0 ? kSuccess : kWriteFailed);
+  if (!file.valid()) return systemFailure(kOpenFailed, "open", path);
+  if (!replaceContent(file.get(), text, Flush::kNo)) {
+    return systemFailure(kWriteFailed, "write", path);
+  }
+  return closeWritten(path, &file);
 }
 
 Status writeLines(const std::string& path, const std::vector<std::string>& lines) {
@@ -114,10 +131,12 @@ Status writeLines(const std::string& path, const std::vector<std::string>& lines
   std::string text;
   for (const std::string& line : lines) text.append(line, 0, line.find('\0')).append("\n");
   ScopedFd file = openInPlace(path, O_CREAT, kLinesMode);
-  if (!file.valid()) return Status(kOpenFailed);
-  if (!replaceContent(file.get(), text, Flush::kNo)) return Status(kWriteFailed);
+  if (!file.valid()) return systemFailure(kOpenFailed, "open", path);
+  if (!replaceContent(file.get(), text, Flush::kNo)) {
+    return systemFailure(kWriteFailed, "write", path);
+  }
   (void)fchmod(file.get(), kLinesMode);  // the content is complete whatever the mode
-  return Status(file.close() == 0 ? kSuccess : kWriteFailed);
+  return closeWritten(path, &file);
 }
 
 }  // namespace tunadm

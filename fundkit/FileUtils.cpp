@@ -10,6 +10,7 @@
 #include <cstdio>
 
 #include "fundkit/DescriptorIo.h"
+#include "fundkit/SystemFailure.h"
 
 namespace tunadm {
 namespace {
@@ -18,13 +19,15 @@ constexpr std::size_t kCopyChunk = 4096;
 constexpr mode_t kCopyMode = 0644;
 constexpr mode_t kPermissionBits = 0777;
 
-Status copyFailure(StatusCode code, const std::string& path) {
-  return Status(code, path, "copyFile");
+Status copyFailure(StatusCode code, std::string_view operation, const std::string& path) {
+  return Status(code, path, "copyFile").because(systemCause(operation, path));
 }
 
 // The status of a system call's result; `accepted` is the errno of what is as wanted already.
-Status outcome(int result, int accepted, StatusCode failure) {
-  return Status(result == 0 || errno == accepted ? kSuccess : failure);
+Status outcome(int result, int accepted, StatusCode failure, std::string_view operation,
+               const std::string& path) {
+  if (result == 0 || errno == accepted) return Status(kSuccess);
+  return systemFailure(failure, operation, path);
 }
 
 bool anythingAt(const std::string& path) {
@@ -34,7 +37,10 @@ bool anythingAt(const std::string& path) {
 
 // Empties the open destination, unless it is the source itself or has no length.
 StatusCode emptyDestination(int destination, const struct stat& found, const struct stat& source) {
-  if (found.st_dev == source.st_dev && found.st_ino == source.st_ino) return kInvalidArgument;
+  if (found.st_dev == source.st_dev && found.st_ino == source.st_ino) {
+    errno = EINVAL;
+    return kInvalidArgument;
+  }
   return !S_ISREG(found.st_mode) || cutFile(destination, 0) ? kSuccess : kWriteFailed;
 }
 
@@ -43,6 +49,7 @@ StatusCode copyContent(int source, int destination, off_t size) {
   for (off_t left = size; left > 0;) {
     const off_t wanted = std::min(left, static_cast<off_t>(sizeof(chunk)));
     const ssize_t count = readSome(source, chunk, static_cast<std::size_t>(wanted));
+    if (count == 0) errno = ENODATA;
     if (count <= 0) return kReadFailed;
     if (!writeAll(destination, {chunk, static_cast<std::size_t>(count)})) return kWriteFailed;
     left -= count;
@@ -50,7 +57,8 @@ StatusCode copyContent(int source, int destination, off_t size) {
   return kSuccess;
 }
 
-// Takes from the source as many bytes as it had when its size was looked up.
+// Takes from the source as many bytes as it had when its size was looked up. errno tells why it
+// failed.
 StatusCode copyOpened(int source, off_t size, ScopedFd* destination) {
   struct stat from {};
   struct stat to {};
@@ -62,45 +70,53 @@ StatusCode copyOpened(int source, off_t size, ScopedFd* destination) {
     return code;
   // The content counts whatever the mode; that of a device is not ours to change.
   if (S_ISREG(to.st_mode)) (void)fchmod(destination->get(), kCopyMode);
-  return destination->close() == 0 ? kSuccess : kWriteFailed;
+  errno = destination->close();
+  return errno == 0 ? kSuccess : kWriteFailed;
 }
 
 }  // namespace
 
 Status copyFile(const std::string& source, const std::string& destination) {
-  if (source.empty()) return copyFailure(kInvalidArgument, source);
-  if (destination.empty()) return copyFailure(kInvalidArgument, destination);
+  if (source.empty() || destination.empty()) return Status(kInvalidArgument, "", "copyFile");
   struct stat found {};
-  if (stat(source.c_str(), &found) != 0) return copyFailure(kInvalidArgument, source);
+  if (stat(source.c_str(), &found) != 0) return copyFailure(kInvalidArgument, "stat", source);
   const ScopedFd input = openDescriptor(source, O_RDONLY);
-  if (!input.valid()) return copyFailure(kOpenFailed, source);
+  if (!input.valid()) return copyFailure(kOpenFailed, "open", source);
   // Reading it would fail only after the destination has been emptied.
-  if (S_ISDIR(found.st_mode)) return copyFailure(kReadFailed, source);
+  if (S_ISDIR(found.st_mode)) {
+    errno = EISDIR;
+    return copyFailure(kReadFailed, "read", source);
+  }
   // Not truncated by the open: nothing would be left of a file that is copied onto itself.
   ScopedFd output = openDescriptor(destination, O_WRONLY | O_CREAT, kCopyMode);
-  if (!output.valid()) return copyFailure(kOpenFailed, destination);
+  if (!output.valid()) return copyFailure(kOpenFailed, "open", destination);
   const StatusCode copied = copyOpened(input.get(), found.st_size, &output);
   if (copied == kSuccess) return Status(kSuccess);
-  return copyFailure(copied, copied == kReadFailed ? source : destination);
+  return copied == kReadFailed ? copyFailure(copied, "read", source)
+                               : copyFailure(copied, "write", destination);
 }
 
 Status moveFile(const std::string& source, const std::string& destination, Overwrite overwrite) {
   if (source.empty() || destination.empty()) return Status(kInvalidArgument);
-  if (overwrite != Overwrite::kYes && anythingAt(destination)) return Status(kRenameFailed);
+  if (overwrite != Overwrite::kYes && anythingAt(destination)) {
+    errno = EEXIST;
+    return systemFailure(kRenameFailed, "rename", destination);
+  }
   if (rename(source.c_str(), destination.c_str()) == 0) return Status(kSuccess);
-  if (errno != EXDEV) return Status(kRenameFailed);
-  const bool moved = copyFile(source, destination).ok() && removeFile(source).ok();
-  return Status(moved ? kSuccess : kRenameFailed);
+  if (errno != EXDEV) return systemFailure(kRenameFailed, "rename", source);
+  Status moved = copyFile(source, destination);
+  if (moved.ok()) moved = removeFile(source);
+  return moved.ok() ? moved : Status(kRenameFailed).because(moved.cause());
 }
 
 Status removeFile(const std::string& path) {
   if (path.empty()) return Status(kInvalidArgument);
-  return outcome(unlink(path.c_str()), ENOENT, kUnlinkFailed);
+  return outcome(unlink(path.c_str()), ENOENT, kUnlinkFailed, "unlink", path);
 }
 
 Status removeEmptyDirectory(const std::string& path) {
   if (path.empty()) return Status(kInvalidArgument);
-  return outcome(rmdir(path.c_str()), ENOENT, kRmdirFailed);
+  return outcome(rmdir(path.c_str()), ENOENT, kRmdirFailed, "rmdir", path);
 }
 
 Status removeEntry(const std::string& path) {
@@ -110,33 +126,36 @@ Status removeEntry(const std::string& path) {
 
 Status makeDirectory(const std::string& path, mode_t mode) {
   if (path.empty()) return Status(kInvalidArgument);
-  return outcome(mkdir(path.c_str(), mode), EEXIST, kMkdirFailed);
+  return outcome(mkdir(path.c_str(), mode), EEXIST, kMkdirFailed, "mkdir", path);
 }
 
 Status makeNewDirectory(const std::string& path, mode_t mode) {
   if (path.empty()) return Status(kInvalidArgument);
-  return Status(mkdir(path.c_str(), mode) == 0 ? kSuccess : kMkdirFailed);
+  if (mkdir(path.c_str(), mode) == 0) return Status(kSuccess);
+  return systemFailure(kMkdirFailed, "mkdir", path);
 }
 
 Status changeMode(const std::string& path, mode_t mode) {
   if (path.empty()) return Status(kInvalidArgument);
   if (chmod(path.c_str(), mode) == 0) return Status(kSuccess);
+  Status refused = systemFailure(kChmodFailed, "chmod", path);
   struct stat found {};
   const bool equal = stat(path.c_str(), &found) == 0 && (found.st_mode & kPermissionBits) == mode;
-  return Status(equal ? kSuccess : kChmodFailed);
+  return equal ? Status(kSuccess) : refused;
 }
 
 Status currentDirectory(std::string* path) {
   path->clear();
   char buffer[PATH_MAX];
-  if (getcwd(buffer, sizeof(buffer)) == nullptr) return Status(kGetcwdFailed);
+  if (getcwd(buffer, sizeof(buffer)) == nullptr) return systemFailure(kGetcwdFailed, "getcwd", "");
   path->assign(buffer);
   return Status(kSuccess);
 }
 
 Status changeDirectory(const std::string& path) {
   if (path.empty()) return Status(kInvalidArgument);
-  return Status(chdir(path.c_str()) == 0 ? kSuccess : kHostError);
+  if (chdir(path.c_str()) == 0) return Status(kSuccess);
+  return systemFailure(kHostError, "chdir", path);
 }
 
 bool pathExists(const std::string& path) {

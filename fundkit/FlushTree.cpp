@@ -6,14 +6,15 @@
 
 #include "fundkit/DescriptorIo.h"
 #include "fundkit/FileUtils.h"
+#include "fundkit/SystemFailure.h"
 #include "fundkit/TreeWalk.h"
 
 namespace tunadm {
 namespace {
 
 Status flushOpenDirectory(int directory) {
-  const bool flushed = syncToDisk(directory) || errno == EINVAL || errno == EOPNOTSUPP;
-  return Status(flushed ? kSuccess : kWriteFailed);
+  if (syncToDisk(directory) || errno == EINVAL || errno == EOPNOTSUPP) return Status(kSuccess);
+  return systemFailure(kWriteFailed, "fsync", directory, "");
 }
 
 class Flusher final : public TreeVisitor {
@@ -25,8 +26,10 @@ class Flusher final : public TreeVisitor {
       return Status(kSuccess);
     }
     const ScopedFd file = openDescriptor(parent, name.c_str(), O_RDONLY | O_NOFOLLOW);
-    if (!file.valid()) return Status(errno == ENOENT ? kSuccess : kOpenFailed);
-    return Status(syncToDisk(file.get()) ? kSuccess : kWriteFailed);
+    if (!file.valid() && errno == ENOENT) return Status(kSuccess);
+    if (!file.valid()) return systemFailure(kOpenFailed, "open", parent, name);
+    if (syncToDisk(file.get())) return Status(kSuccess);
+    return systemFailure(kWriteFailed, "fsync", parent, name);
   }
   Status visitDirectory(int /*parent*/, const std::string& /*name*/, int directory) override {
     return flushOpenDirectory(directory);
@@ -38,13 +41,14 @@ class Flusher final : public TreeVisitor {
 Status flushDirectory(const std::string& path) {
   if (path.empty()) return Status(kInvalidArgument);
   const ScopedFd directory = openDescriptor(path, O_RDONLY | O_DIRECTORY);
-  return directory.valid() ? flushOpenDirectory(directory.get()) : Status(kOpenFailed);
+  if (!directory.valid()) return systemFailure(kOpenFailed, "open", path);
+  return flushOpenDirectory(directory.get());
 }
 
 Status flushTree(const std::string& path) {
   if (path.empty()) return Status(kInvalidArgument);
   ScopedFd directory = openDescriptor(path, O_RDONLY | O_DIRECTORY);
-  if (!directory.valid()) return Status(kOpenFailed);
+  if (!directory.valid()) return systemFailure(kOpenFailed, "open", path);
   Flusher flusher;
   Status flushed = walkTree(std::move(directory), {}, &flusher);
   if (flushed.code() == kOpendirFailed) flushed.setCode(kOpenFailed);

@@ -32,6 +32,7 @@ ScopedFd openInPlace(const std::string& path, int flags, mode_t mode) {
   if (!file.valid() && errno == EACCES) file = openDescriptor(path, O_WRONLY | flags, mode);
   struct stat found {};
   if (file.valid() && (fstat(file.get(), &found) != 0 || S_ISFIFO(found.st_mode))) {
+    if (S_ISFIFO(found.st_mode)) errno = 0;
     (void)file.close();  // nothing was written
   }
   return file;
@@ -43,7 +44,9 @@ bool replaceContent(int file, std::string_view text, Flush flush) {
   const bool may_put_back =
       fstat(file, &found) == 0 && S_ISREG(found.st_mode) && readAll(file, kLargestPutBack, &old);
   if (writeContent(file, text, flush)) return true;
+  const int error = errno;
   if (may_put_back) (void)writeContent(file, old, flush);  // the failure is reported anyway
+  errno = error;
   return false;
 }
 

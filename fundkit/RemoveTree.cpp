@@ -9,14 +9,15 @@
 
 #include "fundkit/DescriptorIo.h"
 #include "fundkit/FileUtils.h"
+#include "fundkit/SystemFailure.h"
 #include "fundkit/TreeWalk.h"
 
 namespace tunadm {
 namespace {
 
 Status removeAt(int parent, const std::string& name, int flags, StatusCode failure) {
-  const bool gone = unlinkat(parent, name.c_str(), flags) == 0 || errno == ENOENT;
-  return Status(gone ? kSuccess : failure);
+  if (unlinkat(parent, name.c_str(), flags) == 0 || errno == ENOENT) return Status(kSuccess);
+  return systemFailure(failure, flags == AT_REMOVEDIR ? "rmdir" : "unlink", parent, name);
 }
 
 class Remover final : public TreeVisitor {
@@ -48,7 +49,7 @@ Status removeTree(const std::string& path) {
   ScopedFd directory = openDescriptor(target, O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
   if (!directory.valid()) {
     const bool other = errno == ENOENT || errno == ENOTDIR || errno == ELOOP;
-    return other ? removeFile(target) : Status(kOpendirFailed);
+    return other ? removeFile(target) : systemFailure(kOpendirFailed, "open", target);
   }
   if (Status emptied = removeBelow(std::move(directory), {}); !emptied.ok()) return emptied;
   return removeEmptyDirectory(target);
@@ -58,7 +59,8 @@ Status emptyDirectory(const std::string& path, std::string_view last) {
   if (path.empty()) return Status(kInvalidArgument);
   ScopedFd directory =
       openDescriptor(withoutFinalSlashes(path), O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
-  if (!directory.valid()) return Status(errno == ENOENT ? kSuccess : kOpendirFailed);
+  if (!directory.valid() && errno == ENOENT) return Status(kSuccess);
+  if (!directory.valid()) return systemFailure(kOpendirFailed, "open", path);
   return removeBelow(std::move(directory), last);
 }
 

@@ -13,6 +13,7 @@
 
 #include "fundkit/DescriptorIo.h"
 #include "fundkit/DirectoryStream.h"
+#include "fundkit/SystemFailure.h"
 
 namespace tunadm {
 namespace {
@@ -34,12 +35,14 @@ struct Level {
 // All names are taken before the first is visited: not every file system goes on correctly in a
 // directory that changes.
 Status readEntries(DirectoryStream* directory, std::vector<Entry>* entries) {
-  if (!directory->valid()) return Status(kOpendirFailed);
+  if (!directory->valid()) return systemFailure(kOpendirFailed, "fdopendir", "");
   while (const dirent* entry = directory->next()) {
     entries->push_back({entry->d_name, directory->kindOf(*entry) == DT_DIR});
   }
+  if (directory->failed())
+    return systemFailure(kOpendirFailed, "read", directory->descriptor(), "");
   std::reverse(entries->begin(), entries->end());
-  return Status(directory->failed() ? kOpendirFailed : kSuccess);
+  return Status(kSuccess);
 }
 
 bool closeLevel(Level* level) {
@@ -49,13 +52,17 @@ bool closeLevel(Level* level) {
   return true;
 }
 
-// `below` is a directory in the one to be opened. Its ".." leads elsewhere when it has been moved.
+// `below` is a directory in the one to be opened. Its ".." leads elsewhere when it has been moved,
+// for which errno is ESTALE.
 bool reopenLevel(Level* level, int below) {
   level->directory =
       std::make_unique<DirectoryStream>(openDescriptor(below, "..", O_RDONLY | O_DIRECTORY));
   struct stat found {};
-  return level->directory->valid() && fstat(level->directory->descriptor(), &found) == 0 &&
-         found.st_dev == level->closed.st_dev && found.st_ino == level->closed.st_ino;
+  if (!level->directory->valid() || fstat(level->directory->descriptor(), &found) != 0)
+    return false;
+  const bool same = found.st_dev == level->closed.st_dev && found.st_ino == level->closed.st_ino;
+  if (!same) errno = ESTALE;
+  return same;
 }
 
 class Walk {
@@ -77,7 +84,7 @@ class Walk {
  private:
   Status enter(ScopedFd directory) {
     if (levels_.size() >= kOpenLevels && !closeLevel(&levels_[levels_.size() - kOpenLevels])) {
-      return Status(kOpendirFailed);
+      return systemFailure(kOpendirFailed, "stat", "");
     }
     Level& level = levels_.emplace_back();
     level.directory = std::make_unique<DirectoryStream>(std::move(directory));
@@ -93,7 +100,9 @@ class Walk {
                                           O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
       if (directory.valid()) return enter(std::move(directory));
       // Otherwise it has been removed, or exchanged for a link or a file, since it was listed.
-      if (errno != ENOENT && errno != ENOTDIR && errno != ELOOP) return Status(kOpendirFailed);
+      if (errno != ENOENT && errno != ENOTDIR && errno != ELOOP) {
+        return systemFailure(kOpendirFailed, "open", level.directory->descriptor(), entry.name);
+      }
     }
     Status visited = visitor_->visitFile(level.directory->descriptor(), entry.name);
     level.entries.pop_back();
@@ -105,7 +114,7 @@ class Walk {
     levels_.pop_back();
     Level& parent = levels_.back();
     if (!parent.directory && !reopenLevel(&parent, left.directory->descriptor())) {
-      return Status(kOpendirFailed);
+      return systemFailure(kOpendirFailed, "open", left.directory->descriptor(), "..");
     }
     Status visited = visitor_->visitDirectory(
         parent.directory->descriptor(), parent.entries.back().name, left.directory->descriptor());

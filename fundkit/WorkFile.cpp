@@ -11,6 +11,7 @@
 #include "fundkit/DescriptorIo.h"
 #include "fundkit/FileAttributes.h"
 #include "fundkit/InPlace.h"
+#include "fundkit/SystemFailure.h"
 
 namespace tunadm {
 namespace {
@@ -39,40 +40,42 @@ WorkFile::WorkFile(std::string path, std::string_view text, std::optional<mode_t
 WorkFile::~WorkFile() { discard(); }
 
 Status WorkFile::write(int replaced) {
-  if (unlink(work_path_.c_str()) != 0 && errno != ENOENT) return fail(kOpenFailed);
+  if (unlink(work_path_.c_str()) != 0 && errno != ENOENT) return fail(kOpenFailed, "unlink");
   // Private until the final mode is set: the text must never be readable by more users than then.
   file_ = openDescriptor(work_path_, O_WRONLY | O_CREAT | O_EXCL, kPrivateMode);
-  if (!file_.valid()) return fail(kOpenFailed);
+  if (!file_.valid()) return fail(kOpenFailed, "open");
   work_exists_ = true;
-  if (!writeAll(file_.get(), text_)) return fail(kWriteFailed);
-  return Status(takeOverAttributes(file_.get(), replaced, mode_) ? kSuccess : kWriteFailed);
+  if (!writeAll(file_.get(), text_)) return fail(kWriteFailed, "write");
+  if (takeOverAttributes(file_.get(), replaced, mode_)) return Status(kSuccess);
+  return systemFailure(kWriteFailed, "chmod", work_path_);
 }
 
 Status WorkFile::flush() {
   if (in_place_ || syncToDisk(file_.get())) return Status(kSuccess);
-  return fail(kWriteFailed);
+  return fail(kWriteFailed, "fsync");
 }
 
 Status WorkFile::close() {
   errno = file_.close();
-  return errno == 0 ? Status(kSuccess) : fail(kWriteFailed);
+  return errno == 0 ? Status(kSuccess) : fail(kWriteFailed, "close");
 }
 
 Status WorkFile::move() {
   if (in_place_) return writeInPlace();
   if (std::rename(work_path_.c_str(), path_.c_str()) != 0) {
-    return Status(errno == EISDIR ? kOpenFailed : kRenameFailed);
+    return systemFailure(errno == EISDIR ? kOpenFailed : kRenameFailed, "rename", work_path_);
   }
   work_exists_ = false;
   return Status(kSuccess);
 }
 
 // A failure that writing in place may get around is kept for move().
-Status WorkFile::fail(StatusCode failure) {
-  if (!mayWorkInPlace(errno)) return Status(failure);
+Status WorkFile::fail(StatusCode failure, std::string_view operation) {
+  Status refusal = systemFailure(failure, operation, work_path_);
+  if (!mayWorkInPlace(errno)) return refusal;
   discard();
   in_place_ = true;
-  refusal_ = failure;
+  refusal_ = refusal;
   return Status(kSuccess);
 }
 
@@ -86,12 +89,12 @@ Status WorkFile::writeInPlace() const {
   ScopedFd file = openInPlace(path_, O_NOFOLLOW);
   struct stat found {};
   if (!file.valid() || fstat(file.get(), &found) != 0 || !S_ISREG(found.st_mode)) {
-    return Status(refusal_);
+    return refusal_;
   }
   // The mode comes first: the new text must not be readable by more users than it is to be.
   const bool written = (!mode_ || makeMode(file.get(), *mode_)) &&
                        replaceContent(file.get(), text_, Flush::kYes) && file.close() == 0;
-  return Status(written ? kSuccess : kWriteFailed);
+  return written ? Status(kSuccess) : systemFailure(kWriteFailed, "write", path_);
 }
 
 }  // namespace tunadm

@@ -40,7 +40,7 @@ class WorkFile {
   Status move();
 
  private:
-  Status fail(StatusCode failure);
+  Status fail(StatusCode failure, std::string_view operation);
   void discard();
   Status writeInPlace() const;
 
@@ -51,7 +51,7 @@ class WorkFile {
   ScopedFd file_;
   bool work_exists_ = false;
   bool in_place_ = false;
-  StatusCode refusal_ = kSuccess;  // what there was against a work file
+  Status refusal_{kSuccess};  // what there was against a work file
 };
 
 }  // namespace tunadm
