@@ -3,60 +3,55 @@
 #include <memory>
 
 #include "fundkit/FileUtils.h"
-#include "service/ChildProcess.h"
 
 namespace tunadm {
 namespace {
+
+const char* word(ServiceVerb verb) {
+  switch (verb) {
+    case ServiceVerb::kStart:
+      return "start";
+    case ServiceVerb::kStop:
+      return "stop";
+    case ServiceVerb::kRestart:
+      break;
+  }
+  return "restart";
+}
 
 // For a host without an init system: nothing is run.
 class NullSystem final : public SystemSpecificImpl {
  public:
   std::string_view name() const override { return "null"; }
-  [[noreturn]] void start() const override { endUnstartedChild(); }
-  [[noreturn]] void stop() const override { endUnstartedChild(); }
-  [[noreturn]] void restart() const override { endUnstartedChild(); }
+  ProgramCall command(ServiceVerb /*verb*/) const override { return {}; }
 };
 
 class SystemdSystem final : public SystemSpecificImpl {
  public:
   std::string_view name() const override { return "systemd"; }
-  [[noreturn]] void start() const override { systemctl("start"); }
-  [[noreturn]] void stop() const override { systemctl("stop"); }
-  [[noreturn]] void restart() const override { systemctl("restart"); }
-
- private:
-  [[noreturn]] static void systemctl(const char* verb) {
-    becomeProgram({"/bin/systemctl", {"systemctl", verb, "quenlay"}});
+  ProgramCall command(ServiceVerb verb) const override {
+    return {"/bin/systemctl", {"systemctl", word(verb), "quenlay"}};
   }
 };
 
 class InitdSystem final : public SystemSpecificImpl {
  public:
   std::string_view name() const override { return "initd"; }
-  [[noreturn]] void start() const override { script("start"); }
-  // Deliberate: the daemon is stopped by its program's name, not through its script.
-  [[noreturn]] void stop() const override {
-    becomeProgram({"/usr/bin/killall", {"killall", "/usr/sbin/quenlay"}});
-  }
-  [[noreturn]] void restart() const override { script("restart"); }
-
- private:
-  [[noreturn]] static void script(const char* verb) {
-    becomeProgram({"/etc/init.d/quenlay", {"quenlay", verb}});
+  ProgramCall command(ServiceVerb verb) const override {
+    // Deliberate: the daemon is stopped by its program's name, not through its script.
+    if (verb == ServiceVerb::kStop) {
+      return {"/usr/bin/killall", {"killall", "/usr/sbin/quenlay"}};
+    }
+    return {"/etc/init.d/quenlay", {"quenlay", word(verb)}};
   }
 };
 
 class UpstartSystem final : public SystemSpecificImpl {
  public:
   std::string_view name() const override { return "upstart"; }
-  [[noreturn]] void start() const override { initctl("start"); }
-  [[noreturn]] void stop() const override { initctl("stop"); }
-  [[noreturn]] void restart() const override { initctl("restart"); }
-
- private:
-  // The job has a name of its own.
-  [[noreturn]] static void initctl(const char* verb) {
-    becomeProgram({"/sbin/initctl", {"initctl", verb, "hip"}});
+  ProgramCall command(ServiceVerb verb) const override {
+    // The job has a name of its own.
+    return {"/sbin/initctl", {"initctl", word(verb), "hip"}};
   }
 };
 
@@ -79,6 +74,12 @@ constexpr SystemRow kSystems[] = {
 std::unique_ptr<SystemSpecificImpl> current_system;
 
 }  // namespace
+
+void SystemSpecificImpl::becomeCommand(ServiceVerb verb) const {
+  const ProgramCall call = command(verb);
+  if (call.path == nullptr) endUnstartedChild();
+  becomeProgram(call);
+}
 
 std::vector<std::string_view> systemNames() {
   std::vector<std::string_view> names;

@@ -5,7 +5,11 @@
 #include <string_view>
 #include <vector>
 
+#include "service/ChildProcess.h"
+
 namespace tunadm {
+
+enum class ServiceVerb { kStart, kStop, kRestart };
 
 // Start, stop and restart are for a child process: they replace its image by the init system's
 // command, or end it with exit code 101 when that cannot be run.
@@ -17,9 +21,15 @@ class SystemSpecificImpl {
   virtual ~SystemSpecificImpl() = default;
 
   virtual std::string_view name() const = 0;
-  [[noreturn]] virtual void start() const = 0;
-  [[noreturn]] virtual void stop() const = 0;
-  [[noreturn]] virtual void restart() const = 0;
+  [[noreturn]] virtual void start() const { becomeCommand(ServiceVerb::kStart); }
+  [[noreturn]] virtual void stop() const { becomeCommand(ServiceVerb::kStop); }
+  [[noreturn]] virtual void restart() const { becomeCommand(ServiceVerb::kRestart); }
+
+  // What these run. Without a path where there is nothing to run.
+  virtual ProgramCall command(ServiceVerb verb) const = 0;
+
+ private:
+  [[noreturn]] void becomeCommand(ServiceVerb verb) const;
 };
 
 // The names that selectSystem knows.
