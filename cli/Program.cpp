@@ -14,6 +14,7 @@
 #include "core/Privilege.h"
 #include "core/ProgramStatus.h"
 #include "core/StatusText.h"
+#include "fundkit/BasicLog.h"
 #include "fundkit/DescriptorIo.h"
 #include "fundkit/LinePrinter.h"
 #include "fundkit/ScopedFd.h"
@@ -37,8 +38,21 @@ Status bindWords(TunadmCommandInstance* command, const std::vector<std::string>&
   return bindCommandWords(command, array.get(), static_cast<std::size_t>(consumed));
 }
 
-void runForText(TunadmCommandInstance* command) {
+// The result tells only what kind of failure it was.
+void sayWhy(const StatusCodeResultField& result) {
+  const Status& status = result.status();
+  if (status.ok() || status.cause().empty()) return;
+  TUNADM_LOG(programLogger(), kLogError, sourceFileName(__FILE__), __func__,
+             result.method() + ": " + status.cause());
+}
+
+void execute(TunadmCommandInstance* command) {
   command->execute(command->statusField());
+  sayWhy(command->statusField());
+}
+
+void runForText(TunadmCommandInstance* command) {
+  execute(command);
   LinePrinter out(STDOUT_FILENO);
   command->render([&out](std::string_view line) { out.print(line); });
 }
@@ -48,7 +62,7 @@ void runForText(TunadmCommandInstance* command) {
 void runForJson(TunadmCommandInstance* command) {
   const ScopedFd output(fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
   if (output.valid()) (void)dup2(STDERR_FILENO, STDOUT_FILENO);
-  command->execute(command->statusField());
+  execute(command);
   LinePrinter out(output.valid() ? output.get() : STDOUT_FILENO);
   command->renderJson([&out](std::string_view text) { out.append(text); });
 }

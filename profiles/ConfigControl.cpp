@@ -12,6 +12,7 @@
 #include "fundkit/BasicLog.h"
 #include "fundkit/FileUtils.h"
 #include "fundkit/KeyValueFile.h"
+#include "fundkit/SystemFailure.h"
 #include "profiles/ProfilePaths.h"
 
 namespace tunadm {
@@ -60,6 +61,15 @@ bool readHelmsmanAddress(std::string_view dir_name, std::string* host, std::stri
   host->clear();
   port->clear();
   return namesProfile(dir_name) && parseHelmsmanAddress(readText(dir_name, kMapConfig), host, port);
+}
+
+Status requireHelmsmanAddress(std::string_view dir_name, std::string* host, std::string* port) {
+  if (readHelmsmanAddress(dir_name, host, port)) return Status(kSuccess);
+  const std::string path = profileFile(dir_name, kMapConfig);
+  std::string text;
+  Status read = readFile(path, &text);
+  const std::string cause = read.ok() ? "no Helmsman address in " + shownPath(path) : read.cause();
+  return Status(kApplicationError).because(cause);
 }
 
 OverlaySettings readOverlaySettings(std::string_view dir_name) {

@@ -23,6 +23,8 @@ namespace tunadm {
 [[nodiscard]] bool readDeviceId(std::string_view dir_name, std::string* device_id);
 [[nodiscard]] bool readHelmsmanAddress(std::string_view dir_name, std::string* host,
                                        std::string* port);
+// The same for a change that needs the old address: kApplicationError when it was not found.
+Status requireHelmsmanAddress(std::string_view dir_name, std::string* host, std::string* port);
 OverlaySettings readOverlaySettings(std::string_view dir_name);
 [[nodiscard]] bool readMasterInterface(std::string_view dir_name, std::string* name);
 [[nodiscard]] bool readLogLevel(std::string_view dir_name, std::string* level);

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 
+#include "core/ProgramStatus.h"
 #include "fundkit/BasicLog.h"
 #include "fundkit/FileUtils.h"
+#include "fundkit/SystemFailure.h"
 #include "profiles/ProfileList.h"
 #include "profiles/ProfilePaths.h"
 
@@ -34,11 +36,10 @@ ProfileIdentity identityOf(const std::string& dir_name) {
 }
 
 // Makes the first profile by friendly name current.
-Entered chooseCurrentProfile() {
+Status chooseCurrentProfile() {
   ProfileList profiles;
-  if (!enumerateProfiles(&profiles)) return Entered::kFailed;
-  if (profiles.empty()) return Entered::kNoProfiles;
-  return setCurrentProfile(profiles.front().dir_name) ? Entered::kYes : Entered::kFailed;
+  if (Status listed = listStore(&profiles); !listed.ok()) return listed;
+  return profiles.empty() ? Status(kProfileNotFound) : writeMarker(profiles.front().dir_name);
 }
 
 bool isUsable(const ProfileIdentity& identity) {
@@ -81,14 +82,26 @@ bool isMarkerName(std::string_view dir_name) {
   });
 }
 
-bool setCurrentProfile(std::string_view dir_name) {
-  if (!isMarkerName(dir_name)) return false;
-  return replaceFile(currentMarkerPath(), std::string(dir_name).append("\n"), kMarkerMode).ok();
+Status checkMarkerName(std::string_view dir_name) {
+  if (isMarkerName(dir_name)) return Status(kSuccess);
+  return Status(kApplicationError)
+      .because(std::string("a profile in a directory of this name cannot be current: ")
+                   .append(dir_name));
 }
 
-bool setCurrentAfterStop(const ProfileRef& profile, const Status& stopped,
-                         const ProfileIdentity& before) {
-  if (!setCurrentProfile(profile.dir_name)) return false;
+Status writeMarker(std::string_view dir_name) {
+  if (Status checked = checkMarkerName(dir_name); !checked.ok()) return checked;
+  Status written =
+      replaceFile(currentMarkerPath(), std::string(dir_name).append("\n"), kMarkerMode);
+  if (!written.ok()) written.setCode(kApplicationError);
+  return written;
+}
+
+bool setCurrentProfile(std::string_view dir_name) { return writeMarker(dir_name).ok(); }
+
+Status setCurrentAfterStop(const ProfileRef& profile, const Status& stopped,
+                           const ProfileIdentity& before) {
+  if (Status written = writeMarker(profile.dir_name); !written.ok()) return written;
   if (!stopped.ok() && before.dir_name != profile.dir_name &&
       isDaemonRunning(profileFile(before.dir_name, kStatusFile)) == TriState::kYes) {
     TUNADM_LOG(
@@ -97,7 +110,7 @@ bool setCurrentAfterStop(const ProfileRef& profile, const Status& stopped,
         .detail("running with = %s", before.profile_name.c_str())
         .detail("current = %s", profile.profile_name.c_str());
   }
-  return true;
+  return Status(kSuccess);
 }
 
 std::string readFriendlyName(std::string_view dir_name) {
@@ -106,21 +119,27 @@ std::string readFriendlyName(std::string_view dir_name) {
   return found ? name : std::string(dir_name);
 }
 
-Entered enterCurrent(std::string* path) {
+Status enterCurrent(std::string* path) {
   path->clear();
   std::string dir_name;
   // Choosing another profile for want of an answer would be a change that was not asked for.
-  if (readMarker(&dir_name) == LineRead::kError) return Entered::kFailed;
+  if (readMarker(&dir_name) == LineRead::kError) {
+    return systemFailure(kApplicationError, "read", currentMarkerPath());
+  }
   ProfileIdentity identity = identityOf(dir_name);
   if (!isUsable(identity)) {
-    if (const Entered chosen = chooseCurrentProfile(); chosen != Entered::kYes) return chosen;
+    if (Status chosen = chooseCurrentProfile(); !chosen.ok()) return chosen;
     identity = lookUpCurrentProfile();
   }
-  if (!changeDirectory(identity.dir_path).ok()) return Entered::kFailed;
-  *path = identity.dir_path;
-  return Entered::kYes;
+  Status entered = changeDirectory(identity.dir_path);
+  if (entered.ok()) {
+    *path = identity.dir_path;
+  } else {
+    entered.setCode(kApplicationError);
+  }
+  return entered;
 }
 
-bool enterCurrentProfile(std::string* path) { return enterCurrent(path) == Entered::kYes; }
+bool enterCurrentProfile(std::string* path) { return enterCurrent(path).ok(); }
 
 }  // namespace tunadm

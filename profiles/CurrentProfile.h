@@ -40,27 +40,34 @@ std::string currentProfileFile(std::string_view file_name);
 // hidden, as a backup or a work area of the store may be, unless it is the factory profile's.
 [[nodiscard]] bool isMarkerName(std::string_view dir_name);
 
+// Fails with kApplicationError for a name that isMarkerName refuses.
+Status checkMarkerName(std::string_view dir_name);
+
 // Writes the marker and makes it writable by all, so that later runs by other users can rewrite
-// it. False when either fails, or for a name that the marker cannot hold.
+// it. Fails with kApplicationError when either does, or as checkMarkerName.
+Status writeMarker(std::string_view dir_name);
+
+// True when that succeeds.
 [[nodiscard]] bool setCurrentProfile(std::string_view dir_name);
 
 // Writes the marker after the service was to be stopped, with the outcome `stopped`, while `before`
-// was current. If the stop failed and the daemon still runs, the log says with which profile.
-[[nodiscard]] bool setCurrentAfterStop(const ProfileRef& profile, const Status& stopped,
-                                       const ProfileIdentity& before);
+// was current. If the stop failed and the daemon still runs, the log says with which profile. Fails
+// as writeMarker.
+Status setCurrentAfterStop(const ProfileRef& profile, const Status& stopped,
+                           const ProfileIdentity& before);
 
 // The friendly name of the profile in `dir_name`, or `dir_name` itself when its name file cannot be
 // read.
 std::string readFriendlyName(std::string_view dir_name);
 
-enum class Entered { kYes, kNoProfiles, kFailed };
-
 // Changes the working directory into the current profile and stores its path. When there is no
 // current profile, or it has no hip.conf, the first profile by friendly name becomes current, but
-// not when the marker could not be read because of an error. Unless it returns kYes, `path` is cleared and the working directory stays as it was.
-[[nodiscard]] Entered enterCurrent(std::string* path);
+// not when the marker could not be read because of an error. Fails with kProfileNotFound when the
+// store is empty, else with kApplicationError; `path` is cleared then, and the working directory
+// stays as it was.
+Status enterCurrent(std::string* path);
 
-// True when that returns kYes.
+// True when that succeeds.
 [[nodiscard]] bool enterCurrentProfile(std::string* path);
 
 }  // namespace tunadm

@@ -13,12 +13,11 @@ namespace {
 // Deliberate: the service is stopped first whatever the daemon's state seems to be, and the marker
 // moves also when that fails.
 Status switchTo(const ProfileRef& profile, const ProfileIdentity& before, ServiceRestart* service) {
-  if (!isMarkerName(profile.dir_name)) return Status(kApplicationError);
+  if (Status checked = checkMarkerName(profile.dir_name); !checked.ok()) return checked;
   Status stopped = service->stop();
   if (!service->startIsDue()) return stopped;
-  const bool made_current = setCurrentAfterStop(profile, stopped, before);
-  if (!stopped.ok()) return stopped;
-  return Status(made_current ? kSuccess : kApplicationError);
+  Status made_current = setCurrentAfterStop(profile, stopped, before);
+  return stopped.ok() ? made_current : stopped;
 }
 
 Status makeCurrent(std::string_view selector, ServiceRestart* service, std::string* profile_name) {

@@ -35,7 +35,7 @@ void readSettings(ProfileDetails* details) {
 
 Status listProfiles(ProfileListing* listing) {
   *listing = ProfileListing();
-  if (!enumerateProfiles(&listing->profiles)) return Status(kApplicationError);
+  if (Status listed = listStore(&listing->profiles); !listed.ok()) return listed;
   ProfileIdentity current = lookUpCurrentProfile();
   listing->current_dir = std::move(current.dir_name);
   listing->current_name = std::move(current.profile_name);

@@ -35,19 +35,24 @@ Status checkValues(const CreateRequest& request) {
 // Makes the directory of the first number that no entry of the store has.
 Status makeProfileDirectory(const StoreScan& scan, std::string* dir_name) {
   const std::unordered_set<std::string_view> used = scan.entryNames();
+  Status made(kApplicationError);
   for (int number = kFirstNumber; number < kEndNumber; ++number) {
     *dir_name = "profile-" + std::to_string(number);
     if (used.contains(*dir_name)) continue;
-    if (makeNewDirectory(profileDirectory(*dir_name), 0755).ok()) return Status(kSuccess);
+    made = makeNewDirectory(profileDirectory(*dir_name), 0755);
     // Unless the name is taken, the store itself is at fault, and would refuse every other name
     // too.
-    if (errno != EEXIST) break;
+    if (made.ok() || errno != EEXIST) break;
   }
-  return Status(kApplicationError);
+  if (!made.ok()) made.setCode(kApplicationError);
+  return made;
 }
 
 Status chooseName(const CreateRequest& request, StoreScan* scan, std::string* name) {
-  if (!scan->sound() && !scan->repair()) return Status(kApplicationError);
+  if (!scan->sound()) {
+    Status repaired = scan->repair();
+    if (!repaired.ok()) return Status(kApplicationError).because(repaired.cause());
+  }
   TakenNames taken = scan->takenNames();
   *name = request.name.empty() ? std::string(kDefaultName) : request.name;
   if (request.allow_rename) *name = taken.uniqueName(*name);
@@ -58,7 +63,8 @@ Status chooseName(const CreateRequest& request, StoreScan* scan, std::string* na
 // that the new profile is neither counted nor named itself.
 Status beginProfile(const CreateRequest& request, ProfileRef* profile) {
   StoreScan scan;
-  if (!scan.read()) return Status(kApplicationError);
+  Status read = scan.read();
+  if (!read.ok()) return Status(kApplicationError).because(read.cause());
   if (Status made = makeProfileDirectory(scan, &profile->dir_name); !made.ok()) return made;
   return chooseName(request, &scan, &profile->profile_name);
 }
@@ -121,8 +127,7 @@ Status fillAndActivate(const CreateRequest& request, const ProfileRef& profile,
   }
   if (Status filled = fillProfile(request, profile); !filled.ok()) return filled;
   service->requestStart();
-  const bool made_current = setCurrentAfterStop(profile, stopped, store.current());
-  return Status(made_current ? kSuccess : kApplicationError);
+  return setCurrentAfterStop(profile, stopped, store.current());
 }
 
 Status makeProfile(const CreateRequest& request, ServiceRestart* service, ProfileRef* created) {

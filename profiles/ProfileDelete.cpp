@@ -16,18 +16,21 @@
 namespace tunadm {
 namespace {
 
-bool removeDirectory(const ProfileRef& profile) {
+Status removeDirectory(const ProfileRef& profile) {
   const std::string directory = profileDirectory(profile.dir_name);
   for (const char* certificates : {"/ca-certs", "/customer-certs", "/peer_certs"}) {
     (void)emptyDirectory(directory + certificates);  // what is left is removed below, or reported
   }
   // The name goes last, so that a removal that was killed can be repeated by name.
-  return emptyDirectory(directory, kNameFile).ok() && removeEmptyDirectory(directory).ok();
+  Status removed = emptyDirectory(directory, kNameFile);
+  if (removed.ok()) removed = removeEmptyDirectory(directory);
+  if (!removed.ok()) removed.setCode(kApplicationError);
+  return removed;
 }
 
 void keepACurrentProfile() {
   std::string path;
-  if (enterCurrent(&path) != Entered::kNoProfiles) return;
+  if (enterCurrent(&path).code() != kProfileNotFound) return;
   ProfileRef created;
   (void)createProfile(CreateRequest(), &created);  // the removal has been done all the same
 }
@@ -44,7 +47,7 @@ Status deleteProfile(std::string_view selector) {
   if (!found.ok()) return found;
   if (profile.dir_name == kFactoryName) return Status(kInvalidArgument);
   if (found.code() == kProfileRunning) return Status(kRefusedWhileRunning);
-  if (!removeDirectory(profile)) return Status(kApplicationError);
+  if (Status removed = removeDirectory(profile); !removed.ok()) return removed;
   keepACurrentProfile();
   return Status(kSuccess);
 }

@@ -12,32 +12,43 @@ namespace tunadm {
 namespace {
 
 // What was read without the lock may be a profile that another process has not named yet.
-bool repairUnderLock(StoreScan* scan) {
+Status repairUnderLock(StoreScan* scan) {
   const bool read_under_lock = ProfileLock::isHeld();
   const ProfileLock lock;
-  return (read_under_lock || scan->read()) && scan->repair();
+  if (!read_under_lock) {
+    if (Status read = scan->read(); !read.ok()) return read;
+  }
+  return scan->repair();
 }
 
-void sayWhoReadsNames() {
+void sayWhoReadsNames(const Status& refused) {
   TUNADM_LOG(programLogger(), kLogWarning, sourceFileName(__FILE__), "enumerateProfiles",
-             "the names of profiles can be read and repaired by root only");
+             "the names of profiles can be read and repaired by root only")
+      .detail("%s", refused.cause().c_str());
 }
 
-bool readSoundStore(StoreScan* scan) {
-  return scan->read() && (scan->sound() || repairUnderLock(scan));
+Status readSoundStore(StoreScan* scan) {
+  Status read = scan->read();
+  return read.ok() && !scan->sound() ? repairUnderLock(scan) : read;
 }
 
 }  // namespace
 
-bool enumerateProfiles(ProfileList* list) {
+Status listStore(ProfileList* list) {
   StoreScan scan;
-  if (!readSoundStore(&scan)) {
-    if (!isPrivileged()) sayWhoReadsNames();
-    return false;
+  if (Status read = readSoundStore(&scan); !read.ok()) {
+    // Anyone may list the directory, so that failure has another reason.
+    if (isPrivileged() || read.code() == kOpendirFailed) {
+      return Status(kApplicationError).because(read.cause());
+    }
+    sayWhoReadsNames(read);
+    return Status(kApplicationError);
   }
   ProfileList sorted = scan.takeSorted();
   std::move(sorted.begin(), sorted.end(), std::back_inserter(*list));
-  return true;
+  return Status(kSuccess);
 }
+
+bool enumerateProfiles(ProfileList* list) { return listStore(list).ok(); }
 
 }  // namespace tunadm

@@ -35,7 +35,8 @@ Status changeHelmsman(const ModifyRequest& request, const std::string& dir_name)
   if (!isPort(request.helmsman_port)) return Status(kSuccess);
   std::string host;
   std::string old_port;
-  if (!readHelmsmanAddress(dir_name, &host, &old_port)) return Status(kApplicationError);
+  Status read = requireHelmsmanAddress(dir_name, &host, &old_port);
+  if (!read.ok()) return read;
   return replaceHelmsmanAddress(dir_name, host, request.helmsman_port);
 }
 
@@ -43,8 +44,9 @@ Status changeLogLevel(const std::string& level, const std::string& dir_name) {
   if (level.empty()) return Status(kSuccess);
   for (const LevelText& row : kLevelTexts) {
     if (!equalIgnoringCase(level, row.text)) continue;
-    const bool written = writeLogLevel(dir_name, row.written.empty() ? level : row.written).ok();
-    return Status(written ? kSuccess : kApplicationError);
+    Status written = writeLogLevel(dir_name, row.written.empty() ? level : row.written);
+    if (!written.ok()) written.setCode(kApplicationError);
+    return written;
   }
   return Status(kApplicationError, "invalid log_level value", "doModifyProfile");
 }
@@ -98,8 +100,7 @@ Status checkRequest(const ModifyRequest& request, StoreView* store) {
       {request.new_name, request.helmsman_host, request.network, trimGraphic(request.invitation)},
       kContext);
   if (!checked.ok()) return checked;
-  const bool named = request.new_name.empty() || isNewName(request.new_name, store);
-  return named ? checked : Status(kInvalidArgument, "invalid profile name", kContext);
+  return request.new_name.empty() ? checked : checkNewName(request.new_name, kContext, store);
 }
 
 Status modify(std::string_view selector, const ModifyRequest& request, ServiceRestart* service,

@@ -23,9 +23,7 @@ Status renameProfile(std::string_view selector, const std::string& new_name) {
   ProfileRef profile;
   if (Status found = resolveSelector(selector, &store, &profile); !found.ok()) return found;
   if (new_name.empty()) return Status(kInvalidArgument, "profile name not provided", kContext);
-  if (!isNewName(new_name, &store)) {
-    return Status(kInvalidArgument, "invalid profile name", kContext);
-  }
+  if (Status checked = checkNewName(new_name, kContext, &store); !checked.ok()) return checked;
   return writeFriendlyName(profile, new_name);
 }
 

@@ -14,8 +14,8 @@ namespace tunadm {
 // line break), or as replaceFile.
 Status renameProfile(std::string_view selector, const std::string& new_name);
 
-// The writing alone: the caller holds the profile lock, and isNewName has found nothing against the
-// name. Nothing is written when the profile has that name already. Fails as replaceFile.
+// The writing alone: the caller holds the profile lock, and checkNewName has found nothing against
+// the name. Nothing is written when the profile has that name already. Fails as replaceFile.
 Status writeFriendlyName(const ProfileRef& profile, const std::string& new_name);
 
 }  // namespace tunadm

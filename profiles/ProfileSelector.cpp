@@ -39,8 +39,8 @@ Status resolveDirectory(std::string_view dir_name, StoreView* store, ProfileRef*
 }
 
 Status resolveFriendlyName(std::string_view name, StoreView* store, ProfileRef* profile) {
-  const ProfileList* const profiles = store->profiles();
-  if (profiles == nullptr) return Status(kApplicationError);
+  const ProfileList* profiles = nullptr;
+  if (Status listed = store->profiles(&profiles); !listed.ok()) return listed;
   const auto match =
       std::find_if(profiles->begin(), profiles->end(),
                    [name](const ProfileRef& each) { return each.profile_name == name; });
@@ -63,12 +63,14 @@ Status resolveSelector(std::string_view selector, StoreView* store, ProfileRef* 
   return resolveFriendlyName(selector, store, profile);
 }
 
-bool isNewName(std::string_view name, StoreView* store) {
+Status checkNewName(std::string_view name, std::string_view context, StoreView* store) {
+  Status refused(kInvalidArgument, "invalid profile name", context);
   // A selector for the current profile resolves to nothing while there is none, but will later.
-  if (namesCurrentProfile(name)) return false;
+  if (namesCurrentProfile(name)) return refused;
   ProfileRef other;
-  const std::string_view wanted = name.empty() ? kDefaultName : name;
-  return resolveSelector(wanted, store, &other).code() == kProfileNotFound;
+  Status found = resolveSelector(name.empty() ? kDefaultName : name, store, &other);
+  if (found.code() == kProfileNotFound) return Status(kSuccess);
+  return refused.because(found.cause());
 }
 
 }  // namespace tunadm

@@ -19,8 +19,9 @@ namespace tunadm {
 // be enumerated (which may repair friendly names on the way); `profile` is left as it was then.
 Status resolveSelector(std::string_view selector, StoreView* store, ProfileRef* profile);
 
-// True when a profile may be given this name: it must name no profile yet, in any of the ways in
-// which a selector can.
-[[nodiscard]] bool isNewName(std::string_view name, StoreView* store);
+// Whether a profile may be given this name: it must name no profile yet, in any of the ways in
+// which a selector can. If not, or if that cannot be known, fails with kInvalidArgument and
+// `context`.
+Status checkNewName(std::string_view name, std::string_view context, StoreView* store);
 
 }  // namespace tunadm

@@ -11,6 +11,7 @@
 #include "fundkit/DescriptorIo.h"
 #include "fundkit/DirectoryStream.h"
 #include "fundkit/FileUtils.h"
+#include "fundkit/SystemFailure.h"
 #include "profiles/ProfilePaths.h"
 
 namespace tunadm {
@@ -22,11 +23,11 @@ bool byName(const ProfileRef& left, const ProfileRef& right) {
 
 }  // namespace
 
-bool StoreScan::read() {
+Status StoreScan::read() {
   profiles_.clear();
   others_.clear();
   DirectoryStream store(openDescriptor(std::string(kProfilesRoot), O_RDONLY | O_DIRECTORY));
-  if (!store.valid()) return false;
+  if (!store.valid()) return systemFailure(kOpendirFailed, "open", kProfilesRoot);
   while (const dirent* entry = store.next()) {
     std::string name = entry->d_name;
     if (name.front() == '.' || store.kindOf(*entry) != DT_DIR) {
@@ -35,16 +36,19 @@ bool StoreScan::read() {
       profiles_.push_back({std::move(name), ""});
     }
   }
-  return !store.failed() && readNames(store.descriptor());
+  if (store.failed()) return systemFailure(kOpendirFailed, "read", kProfilesRoot);
+  return readNames(store.descriptor());
 }
 
-bool StoreScan::readNames(int store) {
+Status StoreScan::readNames(int store) {
   std::string path;
   for (ProfileRef& profile : profiles_) {
     path.assign(profile.dir_name).append("/").append(kNameFile);
-    if (readFirstLine(store, path.c_str(), &profile.profile_name) == LineRead::kError) return false;
+    if (readFirstLine(store, path.c_str(), &profile.profile_name) == LineRead::kError) {
+      return systemFailure(kReadFailed, "read", profileFile(profile.dir_name, kNameFile));
+    }
   }
-  return true;
+  return Status(kSuccess);
 }
 
 bool StoreScan::sound() const {
@@ -54,7 +58,7 @@ bool StoreScan::sound() const {
   });
 }
 
-bool StoreScan::repair() {
+Status StoreScan::repair() {
   TakenNames taken;
   std::vector<ProfileRef*> duplicates;
   std::vector<ProfileRef*> unnamed;
@@ -76,7 +80,7 @@ bool StoreScan::repair() {
     taken.add(name);
     files.push_back({profileFile(profile->dir_name, kNameFile), name + "\n", kPrivateFileMode});
   }
-  return replaceFiles(files).ok();
+  return replaceFiles(files);
 }
 
 std::unordered_set<std::string_view> StoreScan::entryNames() const {

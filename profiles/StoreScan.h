@@ -6,6 +6,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "core/Status.h"
 #include "profiles/ProfileRef.h"
 #include "profiles/TakenNames.h"
 
@@ -15,17 +16,18 @@ namespace tunadm {
 // profiles, and neither are symbolic links.
 class StoreScan {
  public:
-  // Reads the directory and the names afresh. False when the directory cannot be listed, or a name
-  // that is there cannot be read: it must not be taken for none, and be replaced.
-  [[nodiscard]] bool read();
+  // Reads the directory and the names afresh. Fails with kOpendirFailed when the directory cannot
+  // be listed, and with kReadFailed when a name that is there cannot be read: it must not be taken
+  // for none, and be replaced.
+  Status read();
 
   // True when every profile has a friendly name that no other has.
   [[nodiscard]] bool sound() const;
 
   // Gives a unique name, on disk, to each profile that has none or shares it with one before it in
-  // the order of the directory. The caller holds the profile lock, and has read under it. False
-  // when a name cannot be written.
-  [[nodiscard]] bool repair();
+  // the order of the directory. The caller holds the profile lock, and has read under it. Fails
+  // as replaceFiles.
+  Status repair();
 
   // The names of all entries of the directory, of whatever kind; good as long as the scan.
   std::unordered_set<std::string_view> entryNames() const;
@@ -37,7 +39,7 @@ class StoreScan {
   ProfileList takeSorted();
 
  private:
-  [[nodiscard]] bool readNames(int store);
+  Status readNames(int store);
 
   // In the order of the directory. The name is empty where there is none.
   ProfileList profiles_;

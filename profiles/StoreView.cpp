@@ -10,11 +10,10 @@ const ProfileIdentity& StoreView::current() {
   return *current_;
 }
 
-const ProfileList* StoreView::profiles() {
-  if (!profiles_ && !profiles_failed_) {
-    profiles_failed_ = !enumerateProfiles(&profiles_.emplace());
-  }
-  return profiles_failed_ ? nullptr : &*profiles_;
+Status StoreView::profiles(const ProfileList** profiles) {
+  if (!listed_) listed_ = listStore(&profiles_);
+  *profiles = &profiles_;
+  return *listed_;
 }
 
 TriState StoreView::daemon() {

@@ -3,6 +3,7 @@
 
 #include <optional>
 
+#include "core/Status.h"
 #include "profiles/CurrentProfile.h"
 #include "profiles/ProfileRef.h"
 #include "service/ServiceStatus.h"
@@ -16,8 +17,8 @@ class StoreView {
  public:
   const ProfileIdentity& current();
 
-  // The profiles as enumerateProfiles lists them; null when it fails.
-  const ProfileList* profiles();
+  // Makes `profiles` point to the profiles as listStore lists them, and fails as that does.
+  Status profiles(const ProfileList** profiles);
 
   // Whether the daemon runs, which it does with the current profile.
   [[nodiscard]] TriState daemon();
@@ -28,8 +29,8 @@ class StoreView {
  private:
   std::optional<ProfileIdentity> current_;
   std::optional<TriState> daemon_;
-  std::optional<ProfileList> profiles_;
-  bool profiles_failed_ = false;
+  std::optional<Status> listed_;
+  ProfileList profiles_;
 };
 
 }  // namespace tunadm

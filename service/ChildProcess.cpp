@@ -10,18 +10,12 @@
 
 #include "core/ProgramStatus.h"
 #include "fundkit/SignalHold.h"
+#include "fundkit/SystemFailure.h"
 
 namespace tunadm {
 namespace {
 
 constexpr int kUnstarted = 101;
-
-int outcomeOf(int wait_status) {
-  if (WIFEXITED(wait_status)) return kExitBase + WEXITSTATUS(wait_status);
-  if (WIFSIGNALED(wait_status)) return kSignalBase + WTERMSIG(wait_status);
-  if (WIFSTOPPED(wait_status)) return kSignalBase + WSTOPSIG(wait_status);
-  return kWaitFailed;
-}
 
 }  // namespace
 
@@ -48,7 +42,7 @@ pid_t forkChild(const std::function<void()>& body) {
 
 Status runChild(const std::function<void()>& body) {
   const pid_t child = forkChild(body);
-  return child < 0 ? Status(kForkFailed) : awaitChild(child);
+  return child < 0 ? systemFailure(kForkFailed, "fork", "") : awaitChild(child);
 }
 
 int waitForChild(pid_t child) {
@@ -62,12 +56,24 @@ int waitForChild(pid_t child) {
   return ended < 0 ? kWaitFailed : outcomeOf(wait_status);
 }
 
+int outcomeOf(int wait_status) {
+  if (WIFEXITED(wait_status)) return kExitBase + WEXITSTATUS(wait_status);
+  if (WIFSIGNALED(wait_status)) return kSignalBase + WTERMSIG(wait_status);
+  if (WIFSTOPPED(wait_status)) return kSignalBase + WSTOPSIG(wait_status);
+  return kWaitFailed;
+}
+
+std::string outcomeText(int outcome) {
+  return outcome < kSignalBase ? "exit status " + std::to_string(outcome - kExitBase)
+                               : "signal " + std::to_string(outcome - kSignalBase);
+}
+
 Status awaitChild(pid_t child) {
   const int outcome = waitForChild(child);
   if (outcome == kExitBase) return Status(kSuccess);
-  if (outcome > kExitBase && outcome < kSignalBase) return Status(kChildExitedNonzero);
-  if (outcome >= kSignalBase && outcome < kWaitFailed) return Status(kChildSignalled);
-  return Status(kWaitpidFailed);
+  if (outcome >= kWaitFailed) return systemFailure(kWaitpidFailed, "waitpid", "");
+  const StatusCode code = outcome < kSignalBase ? kChildExitedNonzero : kChildSignalled;
+  return Status(code).because(outcomeText(outcome));
 }
 
 }  // namespace tunadm

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <string>
 
 #include "core/Status.h"
 
@@ -42,9 +43,14 @@ inline constexpr int kWaitFailed = 3001;
 inline constexpr int kNoChild = 3002;
 
 // Waits until `child` has ended and returns its outcome; signals that end this process do so while
-// it waits. kNoChild for 0, kWaitFailed when it cannot
-// be waited for (waitpid(2)).
+// it waits. kNoChild for 0, kWaitFailed when it cannot be waited for (waitpid(2)).
 [[nodiscard]] int waitForChild(pid_t child);
+
+// The outcome that a wait status (waitpid(2)) tells of.
+[[nodiscard]] int outcomeOf(int wait_status);
+
+// "exit status 1", "signal 9"; only for these outcomes.
+std::string outcomeText(int outcome);
 
 // Waits in the same way and returns the outcome as a status: kSuccess after exit status 0, else
 // kChildExitedNonzero, kChildSignalled or kWaitpidFailed.

@@ -1,6 +1,7 @@
 #include "service/LogExtract.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstddef>
 #include <new>
 #include <utility>
@@ -8,6 +9,7 @@
 #include "fundkit/DescriptorIo.h"
 #include "fundkit/FileUtils.h"
 #include "fundkit/ScopedFd.h"
+#include "fundkit/SystemFailure.h"
 #include "service/LogFile.h"
 #include "service/LogSearch.h"
 
@@ -34,17 +36,21 @@ Status openLog(const std::string& path, ScopedFd* log) {
     if (log->valid()) return Status(kSuccess);
     if (!isRegularFile(path)) return Status(kSuccessWithWarnings);
   }
-  return Status(kOpenFailed);
+  return systemFailure(kOpenFailed, "open", path);  // isRegularFile, when true, leaves errno
 }
 
-Status search(LogFile* log, std::size_t max_lines, LogLevel threshold, LogLines* found) {
+Status search(const std::string& path, LogFile* log, std::size_t max_lines, LogLevel threshold,
+              LogLines* found) {
   for (int searches = 0; searches < kMostSearches; ++searches) {
     found->clear();
     if (!log->mark()) continue;
     const bool complete = LogSearch(*log, max_lines, threshold, found).run();
-    if (log->isAsMarked()) return Status(complete ? kSuccess : kReadFailed);
+    const int error = errno;
+    if (!log->isAsMarked()) continue;
+    errno = error;
+    return complete ? Status(kSuccess) : systemFailure(kReadFailed, "read", path);
   }
-  return Status(kReadFailed);
+  return systemFailure(kReadFailed, "read", path);
 }
 
 }  // namespace
@@ -56,9 +62,11 @@ Status LogExtract::find(const std::string& path, int max_lines, LogLevel thresho
   if (!log.valid()) return result;
   try {
     LogFile file(std::move(log));
-    result = search(&file, wantedLines(max_lines), threshold, &found_);
+    result = search(path, &file, wantedLines(max_lines), threshold, &found_);
   } catch (const std::bad_alloc&) {
-    result = Status(kReadFailed);
+    found_.clear();
+    errno = ENOMEM;
+    result = systemFailure(kReadFailed, "read", path);
   }
   if (!result.ok()) found_.clear();
   return result;

@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstddef>
 
 #include "fundkit/DescriptorIo.h"
@@ -24,12 +25,16 @@ bool LogFile::mark() {
 
 bool LogFile::isAsMarked() const {
   std::string bytes;
-  return readLastBytes(&bytes) && bytes == last_bytes_;
+  if (!readLastBytes(&bytes)) return false;
+  const bool same = bytes == last_bytes_;
+  if (!same) errno = ESTALE;
+  return same;
 }
 
 bool LogFile::read(off_t start, std::span<char> bytes) const {
   while (!bytes.empty()) {
     const ssize_t count = readAt(log_.get(), start, bytes.data(), bytes.size());
+    if (count == 0) errno = ESTALE;
     if (count <= 0) return false;
     start += count;
     bytes = bytes.subspan(static_cast<std::size_t>(count));

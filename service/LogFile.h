@@ -17,18 +17,19 @@ class LogFile {
  public:
   explicit LogFile(ScopedFd log) : log_(std::move(log)) {}
 
-  // Notes the present size and last bytes. False on failure, and when the log is cut meanwhile.
+  // Notes the present size and last bytes. False on failure, and when the log is cut meanwhile;
+  // errno tells why, ESTALE for a cut.
   [[nodiscard]] bool mark();
 
   // True when nothing that was read since the mark can belong to another content of the log: the
   // bytes before the end are as they were. The size alone does not tell, since a log that was cut
-  // may have grown beyond it again.
+  // may have grown beyond it again. errno as above.
   [[nodiscard]] bool isAsMarked() const;
 
   off_t size() const { return size_; }
 
   // Fills `bytes` from the offset `start`, all below size(). False on failure, and when the log has
-  // been cut.
+  // been cut; errno as above.
   [[nodiscard]] bool read(off_t start, std::span<char> bytes) const;
 
  private:

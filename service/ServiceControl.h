@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "core/Status.h"
+#include "service/InitSystems.h"
 
 namespace tunadm {
 
@@ -16,5 +17,9 @@ enum class RootCheck { kNo, kYes };
 Status startService(std::string_view system, RootCheck check);
 Status stopService(std::string_view system, RootCheck check);
 Status restartService(std::string_view system, RootCheck check);
+
+// Puts the installed adapter's command in front of the cause of its failure:
+// "/bin/systemctl stop quenlay: exit status 1". Returns a success as it is.
+Status withCommand(Status outcome, ServiceVerb verb);
 
 }  // namespace tunadm

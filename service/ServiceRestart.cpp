@@ -3,6 +3,7 @@
 #include <csignal>
 
 #include "core/Privilege.h"
+#include "fundkit/SystemFailure.h"
 #include "service/ChildProcess.h"
 #include "service/InitSystems.h"
 
@@ -13,21 +14,24 @@ Status ServiceRestart::stop() {
   selectSystem(system_);
   keeper_.emplace();
   if (!keeper_->valid()) {
+    Status refused = withCommand(systemFailure(kForkFailed, "fork", ""), ServiceVerb::kStart);
     keeper_.reset();
-    return Status(kForkFailed);
+    return refused;
   }
   start_is_due_ = true;
-  return runChild([this] {
+  Status stopped = runChild([this] {
     keeper_->outlastThisChild();
     // A Ctrl-Z that stopped this child would leave this process waiting with the lock held.
     (void)std::signal(SIGTSTP, SIG_IGN);
     currentSystem().stop();
   });
+  return withCommand(stopped, ServiceVerb::kStop);
 }
 
 Status ServiceRestart::finish(Status changed) {
   if (!start_is_due_) return changed;
-  Status started = keeper_ ? keeper_->start() : startService(system_, check_);
+  Status started =
+      keeper_ ? withCommand(keeper_->start(), ServiceVerb::kStart) : startService(system_, check_);
   return changed.ok() ? started : changed;
 }
 

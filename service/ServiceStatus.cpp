@@ -11,6 +11,7 @@
 
 #include "fundkit/FileUtils.h"
 #include "fundkit/KeyValueFile.h"
+#include "fundkit/SystemFailure.h"
 
 namespace tunadm {
 namespace {
@@ -94,7 +95,10 @@ Status readServiceState(const std::string& status_file, ServiceState* state) {
   }
   const std::string* const update = valueOf(table, kUpdateKey);
   const std::string* const started = valueOf(table, kStartKey);
-  if (update == nullptr || started == nullptr) return Status(kApplicationError);
+  if (update == nullptr || started == nullptr) {
+    return Status(kApplicationError)
+        .because("the times have vanished from " + shownPath(status_file));
+  }
   if (isOld(*update)) {
     state->running = TriState::kNo;
   } else if (secondsBetween(number(*started), number(*update)) > kWarmUp) {

@@ -4,6 +4,9 @@
 
 #include <cstdlib>
 
+#include "fundkit/SystemFailure.h"
+#include "service/ChildProcess.h"
+
 namespace tunadm {
 namespace {
 
@@ -17,8 +20,10 @@ constexpr int kNotRun = 127;
 Status writeSupportBundle() {
   const int result = std::system(kBundleScript);
   if (result == 0) return Status(kSuccess);
-  const bool not_run = result < 0 || (WIFEXITED(result) && WEXITSTATUS(result) == kNotRun);
-  return Status(not_run ? kSystemFailed : kApplicationError);
+  if (result < 0) return systemFailure(kSystemFailed, "execute", kBundleScript);
+  const bool not_run = WIFEXITED(result) && WEXITSTATUS(result) == kNotRun;
+  return Status(not_run ? kSystemFailed : kApplicationError)
+      .because(shownPath(kBundleScript).append(": ").append(outcomeText(outcomeOf(result))));
 }
 
 }  // namespace tunadm

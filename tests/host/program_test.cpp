@@ -64,6 +64,76 @@ TEST(Program, SaysWhenItsResultCannotBeWritten) {
   }
 }
 
+TEST(Program, SaysWhyTheSystemRefused) {
+  const struct {
+    std::string words, said;
+    void (*prepare)(TestHost&);
+    RunAs user = RunAs::kRoot;
+  } cases[] = {
+      {"list profiles", "E list profiles: open /opt/vrx/profiles/: No such file or directory",
+       [](TestHost& host) { host.remove("/opt/vrx"); }},
+      {"list profiles", "E list profiles: read /opt/vrx/profiles/one/profile_name: File too large",
+       [](TestHost& host) { host.file("one/profile_name", std::string(1100000, 'x')); }},
+      {"profile details office",
+       "E profile details: open /opt/vrx/profiles/b/profile_name: Is a directory",
+       [](TestHost& host) { host.block("b/profile_name"); }},
+      {"profile rename one new_name=x",
+       "E profile rename: open /opt/vrx/profiles/: Not a directory",
+       [](TestHost& host) { host.remove("/opt/vrx/profiles").file("/opt/vrx/profiles", ""); }},
+      // Nothing in a name reaches the terminal.
+      {"profile rename dir=a\x1b[2J new_name=x",
+       "E profile rename: unlink /opt/vrx/profiles/a?[2J/profile_name.temp: Is a directory",
+       [](TestHost& host) { host.profile("a\x1b[2J", "a").block("a\x1b[2J/profile_name.temp"); }},
+      {"profile create x helmsman=h",
+       "E profile create: open /opt/vrx/profiles/.factory: No such file or directory",
+       [](TestHost& host) { host.remove(".factory"); }},
+      {"profile create x helmsman=h",
+       "E profile create: stat /opt/vrx/profiles/.factory/gone: No such file or directory",
+       [](TestHost& host) { host.file("/there", "").link("there", ".factory/gone"); }},
+      {"profile modify one helmsman=:1",
+       "E profile modify: open /opt/vrx/profiles/one/mapconfig.static: No such file or directory",
+       nullptr},
+      {"profile modify one log_level=debug",
+       "E profile modify: open /opt/vrx/profiles/one/endbox.conf: not a regular file",
+       [](TestHost& host) { host.block("one/endbox.conf"); }},
+      {"profile activate one sys=systemd",
+       "E profile activate: open /opt/vrx/profiles/.current: Is a directory",
+       [](TestHost& host) { host.standIn("/bin/systemctl").block(".current"); }},
+      {"service stop sys=systemd",
+       "E service stop: execute /bin/systemctl: No such file or directory", nullptr},
+      {"service stop sys=null", "E service stop: this host has no init system to command", nullptr},
+      {"service restart sys=upstart", "E service restart: /sbin/initctl restart hip: exit status 3",
+       [](TestHost& host) { host.standIn("/sbin/initctl").file("/tmp/stand-in-end", "exit 3"); }},
+      {"support bundle", "E support bundle: /opt/vrx/bin/vrx-sendbundle.sh: exit status 4",
+       [](TestHost& host) {
+         host.file("/opt/vrx/bin/vrx-sendbundle.sh", "#!/bin/sh\nexit 4\n", 0755);
+       }},
+      {"list log dir=one", "E list log: open /opt/vrx/profiles/one/hip.log: Permission denied",
+       [](TestHost& host) { host.file("one/hip.log", "", 0); }, RunAs::kOrdinaryUser},
+      // Refusals that are to be expected.
+      {"profile details two", "", nullptr},
+      {"profile rename one new_name=one", "", nullptr},
+      {"profile rename one new_name=a\nb", "", nullptr},
+      {"profile create one helmsman=h allow_rename=no", "", nullptr},
+      {"profile delete .factory", "", nullptr},
+      {"profile delete one", "",
+       [](TestHost& host) {
+         host.file(".current", "one\n");
+         host.file("one/hipvars.txt", "uptime.now=99999999999\nuptime.started=1\n");
+       }},
+      {"support reset one", "", nullptr, RunAs::kOrdinaryUser},
+      {"service start", "", nullptr, RunAs::kOrdinaryUser},
+  };
+  for (const auto& c : cases) {
+    TestHost host;
+    host.factory().profile("one", "one").file("one/endbox.conf", "");
+    if (c.prepare != nullptr) c.prepare(host);
+    std::string said = c.said;
+    if (said.starts_with("E ")) said.replace(0, 2, "E~ tunadm Program.cpp sayWhy: ").append("\n");
+    EXPECT_EQ(host.run("/usr/sbin/tunadm " + c.words, c.user).err, said) << c.words;
+  }
+}
+
 TEST(Program, CreatesAndShowsAProfile) {
   TestHost host;
   host.factory();
