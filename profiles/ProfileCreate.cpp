@@ -12,6 +12,7 @@
 #include "profiles/ConfigControl.h"
 #include "profiles/CurrentProfile.h"
 #include "profiles/LineBreaks.h"
+#include "profiles/PassedFailure.h"
 #include "profiles/ProfileLock.h"
 #include "profiles/ProfilePaths.h"
 #include "profiles/StoreScan.h"
@@ -84,11 +85,14 @@ Status copyFiles(const std::string& from, const std::string& to) {
   return Status(kSuccess);
 }
 
+// Without its certificates a profile counts as made all the same.
 void copyCertificates(const std::string& factory, const std::string& directory) {
   const std::string from = factory + std::string(kCertificates);
   const std::string to = directory + std::string(kCertificates);
+  Status copied = makeDirectory(to, 0755);
+  if (copied.ok()) copied = copyFiles(from, to);
   // A factory profile need not have any.
-  if (makeDirectory(to, 0755).ok()) (void)copyFiles(from, to);
+  if (!copied.ok() && !isMissing(from)) logPassedFailure("certificates not copied", copied);
 }
 
 Status writeSettings(const CreateRequest& request, const std::string& dir_name) {

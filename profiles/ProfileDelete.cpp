@@ -7,6 +7,7 @@
 #include "fundkit/FileUtils.h"
 #include "fundkit/RemoveTree.h"
 #include "profiles/CurrentProfile.h"
+#include "profiles/PassedFailure.h"
 #include "profiles/ProfileCreate.h"
 #include "profiles/ProfileLock.h"
 #include "profiles/ProfilePaths.h"
@@ -28,11 +29,15 @@ Status removeDirectory(const ProfileRef& profile) {
   return removed;
 }
 
+// The removal has been done whatever becomes of this.
 void keepACurrentProfile() {
   std::string path;
-  if (enterCurrent(&path).code() != kProfileNotFound) return;
+  Status entered = enterCurrent(&path);
+  if (entered.code() != kProfileNotFound) {
+    return logPassedFailure("no current profile chosen", entered);
+  }
   ProfileRef created;
-  (void)createProfile(CreateRequest(), &created);  // the removal has been done all the same
+  logPassedFailure("no default profile made", createProfile(CreateRequest(), &created));
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include "json/AsciiCase.h"
 #include "profiles/ConfigControl.h"
 #include "profiles/LineBreaks.h"
+#include "profiles/PassedFailure.h"
 #include "profiles/ProfileLock.h"
 #include "profiles/ProfileRename.h"
 #include "profiles/ProfileSelector.h"
@@ -70,12 +71,12 @@ Status applyChanges(const ModifyRequest& request, Daemon daemon, ProfileRef* pro
   if (Status changed = changeHelmsman(request, dir_name); !changed.ok()) return changed;
   if (Status changed = changeLogLevel(request.log_level, dir_name); !changed.ok()) return changed;
   Status status = clearStateOf(*profile, daemon);
-  // A file that cannot be rewritten is left as it was, and not reported here.
+  // A file that cannot be rewritten is left as it was, and only the log tells.
   if (!request.network.empty()) {
-    (void)writeMasterInterface(dir_name, request.network);
+    logPassedFailure("network not changed", writeMasterInterface(dir_name, request.network));
     status = Status(kSuccess);
   }
-  (void)writeInvitationCode(dir_name, request.invitation);
+  logPassedFailure("invitation not changed", writeInvitationCode(dir_name, request.invitation));
   if (!request.new_name.empty()) {
     status = writeFriendlyName(*profile, request.new_name);
     if (status.ok()) profile->profile_name = request.new_name;

@@ -3,6 +3,7 @@
 #include "core/Privilege.h"
 #include "core/ProgramStatus.h"
 #include "fundkit/FileUtils.h"
+#include "profiles/PassedFailure.h"
 #include "profiles/ProfileLock.h"
 #include "profiles/ProfilePaths.h"
 #include "profiles/ProfileSelector.h"
@@ -35,7 +36,7 @@ Status clearState(const ProfileRef& profile, StoreView* store) {
 
 void removeStateFiles(const ProfileRef& profile) {
   for (const std::string_view file : kStateFiles) {
-    (void)removeFile(profileFile(profile.dir_name, file));  // most are rarely there
+    logPassedFailure("state file not removed", removeFile(profileFile(profile.dir_name, file)));
   }
 }
 

@@ -90,12 +90,31 @@ TEST(Program, SaysWhyTheSystemRefused) {
       {"profile create x helmsman=h",
        "E profile create: stat /opt/vrx/profiles/.factory/gone: No such file or directory",
        [](TestHost& host) { host.file("/there", "").link("there", ".factory/gone"); }},
+      {"profile create x helmsman=h",
+       "W certificates not copied: open /opt/vrx/profiles/.factory/ca-certs: Not a directory",
+       [](TestHost& host) { host.remove(".factory/ca-certs").file(".factory/ca-certs", ""); }},
+      {"profile create x helmsman=h", "", [](TestHost& host) { host.remove(".factory/ca-certs"); }},
       {"profile modify one helmsman=:1",
        "E profile modify: open /opt/vrx/profiles/one/mapconfig.static: No such file or directory",
        nullptr},
       {"profile modify one log_level=debug",
        "E profile modify: open /opt/vrx/profiles/one/endbox.conf: not a regular file",
        [](TestHost& host) { host.block("one/endbox.conf"); }},
+      {"profile modify one network=eth1",
+       "W network not changed: open /opt/vrx/profiles/one/hip.conf: not a regular file",
+       [](TestHost& host) { host.block("one/hip.conf"); }},
+      {"profile modify one invitation=x",
+       "W invitation not changed: unlink /opt/vrx/profiles/one/endbox.conf.temp: Is a directory",
+       [](TestHost& host) { host.block("one/endbox.conf.temp"); }},
+      {"support reset one",
+       "W state file not removed: unlink /opt/vrx/profiles/one/peers: Is a directory",
+       [](TestHost& host) { host.block("one/peers"); }},
+      {"profile delete one",
+       "W no default profile made: open /opt/vrx/profiles/.factory: No such file or directory",
+       [](TestHost& host) { host.remove(".factory"); }},
+      {"profile delete one",
+       "W no current profile chosen: open /opt/vrx/profiles/.current: Is a directory",
+       [](TestHost& host) { host.profile("two", "two").block(".current"); }},
       {"profile activate one sys=systemd",
        "E profile activate: open /opt/vrx/profiles/.current: Is a directory",
        [](TestHost& host) { host.standIn("/bin/systemctl").block(".current"); }},
@@ -130,6 +149,8 @@ TEST(Program, SaysWhyTheSystemRefused) {
     if (c.prepare != nullptr) c.prepare(host);
     std::string said = c.said;
     if (said.starts_with("E ")) said.replace(0, 2, "E~ tunadm Program.cpp sayWhy: ").append("\n");
+    if (said.starts_with("W "))
+      said.replace(0, 2, "W~ tunadm PassedFailure.cpp logPassedFailure: ").append("\n");
     EXPECT_EQ(host.run("/usr/sbin/tunadm " + c.words, c.user).err, said) << c.words;
   }
 }
