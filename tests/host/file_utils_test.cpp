@@ -191,7 +191,9 @@ TEST(FileUtils, LinesAndWhatIsNotReadable) {
   EXPECT_EQ(host.read("/tmp/kept"), "x");
   ASSERT_EQ(mkfifo("/tmp/fifo", 0600), 0);
   std::string text;
-  for (const char* path : {"/tmp/none", "/tmp/fifo", "/tmp", ""}) {
+  host.file("/tmp/huge", "");
+  EXPECT_EQ(truncate("/tmp/huge", (64 << 20) + 1), 0);
+  for (const char* path : {"/tmp/none", "/tmp/fifo", "/tmp", "", "/tmp/huge"}) {
     text = "before";
     EXPECT_FALSE(readFile(path, &text).ok()) << path;
     EXPECT_EQ(text, "");
@@ -464,7 +466,8 @@ TEST(ReplaceFile, FlushesBeforeAndAfterTheMove) {
                          "fsync /tmp/d/one", "fsync /tmp/d/sub", "fsync /tmp/d/sub/deep",
                          "fsync /tmp/d/two", "fsync /tmp/d"}));
   EXPECT_EQ(reads, "openatreadclose");
-  EXPECT_TRUE(std::regex_search(created, std::regex("WRONLY.*EXCL.*0600.*RDWR.*EXCL.*0644")))
+  EXPECT_TRUE(std::regex_search(
+      created, std::regex("WRONLY.*EXCL.*CLOEXEC, 0600.*RDWR.*EXCL.*CLOEXEC, 0644")))
       << created;
 }
 

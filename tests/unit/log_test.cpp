@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <csignal>
@@ -62,22 +63,31 @@ TEST(Logger, Thresholds) {
   EXPECT_EQ(enabledFrom(own), "ERROR");
   EXPECT_EQ(enabledFrom(other), "DEBUG unset");
   EXPECT_EQ(enabledFrom(getLogger("made later")), "DEBUG unset");
-  own.setThreshold(kLogUnset);
+  const LogLevelDescriptor stranger = kLogLevels[6];
+  own.setThreshold(&stranger);
   EXPECT_EQ(enabledFrom(own), "DEBUG unset");
   setDefaultThreshold(kLogUnset);
   EXPECT_EQ(enabledFrom(other), "INFO unset");
 }
 
+TEST(LogStatement, LeavesErrnoAsItWas) {
+  const int standard_error = dup(STDERR_FILENO);
+  (void)close(STDERR_FILENO);  // writing fails
+  errno = EDOM;
+  TUNADM_LOG(programLogger(), kLogFatal, "m", "f", "x");
+  EXPECT_EQ(errno, EDOM);
+  EXPECT_EQ(dup2(standard_error, STDERR_FILENO), STDERR_FILENO);
+  (void)close(standard_error);
+}
+
 TEST(LogStatement, OneLineOnStandardError) {
   testing::internal::CaptureStderr();
-  errno = EDOM;
   {
     LogStatement statement(programLogger(), "a\nb", kLogWarning, "could not\rget", "m", "f");
     statement.detail("%s", "forged\nE~ line\x1b[31m gr\xc3\xbc").detail("%d", 7);
     statement.end();
     statement.detail("%d", 8);
   }
-  EXPECT_EQ(errno, EDOM);
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
             "W~ a?b m f: could not?get; forged?E~ line?[31m gr\xc3\xbc; 7\n");
 }
