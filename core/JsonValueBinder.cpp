@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-#include "core/JsonText.h"
+#include "core/JsonString.h"
 #include "core/StatusText.h"
 
 namespace tunadm {

@@ -1,7 +1,7 @@
 // Whatever the fields of a result hold, it is one line that a strict reader of JSON accepts. The
 // lines of the input are what the fields hold, one after the other.
 #include "core/CommandCore.h"
-#include "core/JsonText.h"
+#include "core/JsonString.h"
 #include "core/Record.h"
 #include "fuzz/Fuzz.h"
 #include "fuzz/StrictJson.h"

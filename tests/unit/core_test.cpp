@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "core/CommandCore.h"
-#include "core/JsonText.h"
+#include "core/JsonString.h"
 #include "core/ProgramStatus.h"
 #include "core/RequestForm.h"
 #include "core/StatusText.h"

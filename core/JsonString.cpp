@@ -1,4 +1,4 @@
-#include "core/JsonText.h"
+#include "core/JsonString.h"
 
 #include <cstddef>
 
