@@ -116,6 +116,7 @@ TEST(JsonParser, Values) {
       {R"({"a":{"":{"c":[1]}},"":[2],b:2})", R"({ "a":{ }, "b":2 })"},
       {"[,1]", "[ ]"},
       {"[1:2:,3]", "[ 1, 3 ]"},
+      {"{a::1}", "{ }"},
       {R"({"":1,b:2})", "{ }"},
       {"{a:{b,},c:3}", R"({ "a":{ }, "c":3 })"},
       {"{a:[{b}],c:[[3],4]}", R"({ "a":[ { } ], "c":[ [ 3 ], 4 ] })"},
@@ -211,7 +212,9 @@ TEST(JsonValue, SharedInstancesAndCopies) {
   EXPECT_EQ(printed(tree.get()), printed(copy.get()));
   EXPECT_FALSE(booleanValue(makeBoolean(false)));
   EXPECT_EQ(makeString(static_cast<const char*>(nullptr)), makeString(""));
-  EXPECT_EQ(numberValue(ScopedJson(makeNumber(-2.5)).get()), -2.5);
+  ScopedJson number(makeNumber(-2.5));
+  number.reset(number.get());
+  EXPECT_EQ(numberValue(number.get()), -2.5);
 }
 
 TEST(JsonValue, EachKindIsOnlyItself) {
