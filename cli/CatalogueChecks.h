@@ -38,7 +38,6 @@ constexpr bool ordersAreComplete(std::span<const CommandEntry> commands,
 // Whether the row has what the pages print, and its words are those of its category.
 constexpr bool rowIsWhole(const CommandEntry& command,
                           std::span<const Category* const> categories) {
-  if (command.make == nullptr) return false;
   if (!command.common && !command.common_summary.empty()) return false;
   const Category* const category = command.category;
   if (category == nullptr) return command.summary.empty() && !command.common;
