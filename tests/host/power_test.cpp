@@ -51,7 +51,7 @@ std::string attachLoopDevice(const char* image, ScopedFd* device) {
   config.info.lo_flags = LO_FLAGS_AUTOCLEAR;
   do {  // until no other process is quicker
     const int number = ioctl(control.get(), LOOP_CTL_GET_FREE);
-    const std::string path = "/dev/loop" + std::to_string(number);
+    std::string path = "/dev/loop" + std::to_string(number);
     if (number < 0 || !makeDevice(path, S_IFBLK, 7, static_cast<unsigned>(number))) return "";
     *device = ScopedFd(open(path.c_str(), O_RDWR | O_CLOEXEC));
     if (ioctl(device->get(), LOOP_CONFIGURE, &config) == 0) return path;
@@ -115,7 +115,8 @@ struct PowerHost : TestHost {
     auto then = entries(kMountedCopy + std::string("/profiles"));
     EXPECT_EQ(umount(kMountedCopy), 0);
     for (const auto& [path, text] : now) {
-      if (then[path] != text) lost += path + ": " + then[path] + "instead of " + text;
+      if (then[path] == text) continue;
+      lost.append(path).append(": ").append(then[path]).append("instead of ").append(text);
     }
     return lost;
   }

@@ -70,6 +70,7 @@ pid_t spawn(const std::string& line) {
   std::istringstream stream(line);
   std::vector<std::string> words{std::istream_iterator<std::string>(stream), {}};
   std::vector<char*> arguments;
+  arguments.reserve(words.size() + 1);
   for (std::string& word : words) arguments.push_back(word.data());
   arguments.push_back(nullptr);
   const pid_t child = fork();
@@ -153,8 +154,8 @@ void expectWhole(const TestHost& host, bool killed, std::map<std::string, std::s
   for (const auto& [path, text] : host.files()) {
     if (killed && (path.ends_with(".temp") || (text.empty() && !before.contains(path)))) continue;
     const std::string factory = "/opt/vrx/profiles/.factory" + path.substr(path.rfind('/'));
-    const auto is = [&text](auto& files, const std::string& at) {
-      return files.contains(at) && files[at] == text;
+    const auto is = [&content = text](auto& files, const std::string& at) {
+      return files.contains(at) && files[at] == content;
     };
     EXPECT_TRUE(is(before, path) || is(after, path) || is(before, factory)) << path << ": " << text;
   }
