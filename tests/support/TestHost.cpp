@@ -97,7 +97,8 @@ TestHost& TestHost::file(const std::string& path, const std::string& content, mo
   std::ofstream stream(whole, std::ios::binary);
   stream << content;
   stream.close();
-  EXPECT_TRUE(stream.good() && chmod(whole.c_str(), mode) == 0) << "not written: " << whole;
+  EXPECT_TRUE(stream.good()) << "not written: " << whole;
+  EXPECT_EQ(chmod(whole.c_str(), mode), 0) << whole;
   return *this;
 }
 
@@ -152,7 +153,8 @@ Outcome TestHost::runWords(const std::vector<std::string>& words, RunAs user) co
   const pid_t child = fork();
   if (child == 0) becomeProgram(words, user, out, err);
   int status = 0;
-  EXPECT_TRUE(child > 0 && waitpid(child, &status, 0) == child) << "not run: " << words[0];
+  EXPECT_GT(child, 0) << "not run: " << words[0];
+  EXPECT_EQ(waitpid(child, &status, 0), child) << words[0];
   Outcome outcome;
   if (WIFSIGNALED(status)) outcome.signal = WTERMSIG(status);
   if (WIFEXITED(status)) outcome.exit = WEXITSTATUS(status);

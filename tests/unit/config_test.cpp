@@ -36,8 +36,9 @@ TEST(ConfigText, OtherSettings) {
       "#device_ip=9.9.9.9\n\n \x01 device_ip=1.1.1.1\r\ndevice_ip=2.2.2.2 \nunknown=1\n"
       "device_mask=255.0.0.0" +
       kNul + "hidden\nactivation_code=  a\xc3\xa4z\xff\n");
-  EXPECT_EQ(settings.device_ip + " " + settings.device_mask + " " + settings.invitation,
-            "2.2.2.2 255.0.0.0 a??z");
+  EXPECT_EQ(settings.device_ip, "2.2.2.2");
+  EXPECT_EQ(settings.device_mask, "255.0.0.0");
+  EXPECT_EQ(settings.invitation, "a??z");
 }
 
 TEST(ConfigText, RewritingKeepsWhatItDoesNotOwn) {
