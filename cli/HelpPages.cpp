@@ -194,7 +194,7 @@ HelpLines referencePage() {
 void printReference() {
   HelpLines lines = referencePage();
   lines.insert(lines.end(), std::begin(kReferenceTrailer), std::end(kReferenceTrailer));
-  for (const std::string& line : lines) (void)std::puts(line.c_str());  // nowhere to report to
+  for (const std::string& line : lines) std::puts(line.c_str());  // nowhere to report to
 }
 
 }  // namespace tunadm

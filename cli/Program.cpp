@@ -70,7 +70,7 @@ void runForJson(TunadmCommandInstance* command) {
 // A write beyond the caller's limit of file size is to fail like one on a full disk, not to end the
 // process halfway through a change. A handler, unlike SIG_IGN, is not passed on to children.
 void surviveFileSizeLimit() {
-  if (std::signal(SIGXFSZ, [](int) {}) == SIG_IGN) (void)std::signal(SIGXFSZ, SIG_IGN);
+  if (std::signal(SIGXFSZ, [](int) {}) == SIG_IGN) std::signal(SIGXFSZ, SIG_IGN);
 }
 
 }  // namespace
@@ -78,7 +78,7 @@ void surviveFileSizeLimit() {
 int runProgram(int argc, char** argv) {
   fillStandardDescriptors();
   // With an inherited SIG_IGN, waitpid could not tell how a child ended.
-  (void)std::signal(SIGCHLD, SIG_DFL);
+  std::signal(SIGCHLD, SIG_DFL);
   surviveFileSizeLimit();
   if (argc < 2) {
     printUsage(argc == 1 ? argv[0] : "tunadm");

@@ -25,8 +25,8 @@ void StatusCodeResultField::render(ValueBinder& out) const {
   }
   if (flags_->verbose || failed) {
     char code[sizeof("0x00000000")];
-    (void)std::snprintf(code, sizeof(code), "0x%08x",
-                        static_cast<unsigned>(status_.code()));  // always fits
+    std::snprintf(code, sizeof(code), "0x%08x",
+                  static_cast<unsigned>(status_.code()));  // always fits
     out.addText("status_code", code);
   }
 }

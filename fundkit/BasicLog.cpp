@@ -107,7 +107,7 @@ LogStatement& LogStatement::detail(const char* format, ...) {
   const int length = std::vsnprintf(nullptr, 0, format, values);
   if (length >= 0) {
     std::string& text = message_->details.emplace_back(static_cast<std::size_t>(length), '\0');
-    (void)std::vsnprintf(text.data(), text.size() + 1, format, values_again);  // cannot be longer
+    std::vsnprintf(text.data(), text.size() + 1, format, values_again);  // cannot be longer
   }
   va_end(values_again);
   va_end(values);
@@ -126,18 +126,18 @@ void assertFailure(const char* file, int line, const char* message) {
 
 void defaultAssertFailure(const char* file, int line, const char* message) {
   char text[1024];
-  (void)std::snprintf(text, sizeof(text), "assert error, %s line %d, \"%s\" \n",  // cut if longer
-                      file == nullptr ? "<filename unknown>" : file, line,
-                      message == nullptr ? "<no message>" : message);
+  std::snprintf(text, sizeof(text), "assert error, %s line %d, \"%s\" \n",  // cut if longer
+                file == nullptr ? "<filename unknown>" : file, line,
+                message == nullptr ? "<no message>" : message);
   writeOutput(STDERR_FILENO, text);
   TUNADM_LOG(fundkitLogger(), kLogError, "BasicLog", "defaultAssertFailure", text);
   // One that is ignored or held back would let the process go on.
-  (void)std::signal(SIGILL, SIG_DFL);
+  std::signal(SIGILL, SIG_DFL);
   sigset_t illegal;
-  (void)sigemptyset(&illegal);
-  (void)sigaddset(&illegal, SIGILL);
-  (void)pthread_sigmask(SIG_UNBLOCK, &illegal, nullptr);
-  (void)std::raise(SIGILL);
+  sigemptyset(&illegal);
+  sigaddset(&illegal, SIGILL);
+  pthread_sigmask(SIG_UNBLOCK, &illegal, nullptr);
+  std::raise(SIGILL);
 }
 
 }  // namespace tunadm

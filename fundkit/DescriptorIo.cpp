@@ -46,7 +46,7 @@ ScopedFd openDescriptor(int directory, const char* path, int flags, mode_t mode)
   // The first attempt has told the holder of the lease to let go. O_NONBLOCK, needed for FIFOs,
   // keeps open itself from waiting for that.
   for (const TimePoint end = monotonicTime() + longestLease(); monotonicTime() < end;) {
-    (void)poll(nullptr, 0, static_cast<int>(kLeaseLookInterval / kMillisecond));
+    poll(nullptr, 0, static_cast<int>(kLeaseLookInterval / kMillisecond));
     descriptor = openOnce(directory, path, flags, mode);
     if (descriptor >= 0 || errno != EWOULDBLOCK) break;
   }
@@ -139,15 +139,15 @@ bool writeOutput(int descriptor, std::string_view text) {
   sigset_t pipe_signal;
   sigset_t before;
   sigset_t pending;
-  (void)sigemptyset(&pipe_signal);  // none of these four can fail: the arguments are constants
-  (void)sigaddset(&pipe_signal, SIGPIPE);
-  (void)sigpending(&pending);
-  (void)pthread_sigmask(SIG_BLOCK, &pipe_signal, &before);
+  sigemptyset(&pipe_signal);  // none of these four can fail: the arguments are constants
+  sigaddset(&pipe_signal, SIGPIPE);
+  sigpending(&pending);
+  pthread_sigmask(SIG_BLOCK, &pipe_signal, &before);
   const bool written = writeAll(descriptor, text);
   const int error = errno;
   const timespec at_once{};
-  if (sigismember(&pending, SIGPIPE) == 0) (void)sigtimedwait(&pipe_signal, nullptr, &at_once);
-  (void)pthread_sigmask(SIG_SETMASK, &before, nullptr);
+  if (sigismember(&pending, SIGPIPE) == 0) sigtimedwait(&pipe_signal, nullptr, &at_once);
+  pthread_sigmask(SIG_SETMASK, &before, nullptr);
   errno = error;
   return written;
 }

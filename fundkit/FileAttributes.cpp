@@ -21,7 +21,7 @@ constexpr mode_t kGroupBits = 0070;
 
 mode_t callersUmask() {
   const mode_t mask = umask(0);
-  (void)umask(mask);  // it can be read only by setting it
+  umask(mask);  // it can be read only by setting it
   return mask;
 }
 

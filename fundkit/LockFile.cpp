@@ -48,7 +48,7 @@ ScopedFd openLockFile(int directory, const std::string& name, mode_t mode) {
   // Later runs by other users must be able to open the lock file where `mode` lets them.
   const mode_t old_umask = umask(0);
   ScopedFd file = openDescriptor(directory, name.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW, mode);
-  (void)umask(old_umask);  // cannot fail
+  umask(old_umask);  // cannot fail
   struct stat found {};
   if (file.valid() && (fstat(file.get(), &found) != 0 || !S_ISREG(found.st_mode))) {
     return ScopedFd();
@@ -72,7 +72,7 @@ LockState pollForLock(int file) {
   Duration pause = kMillisecond;
   LockState state = lockFile(file, LOCK_EX | LOCK_NB);
   while (state == LockState::kBusy && monotonicTime() < end) {
-    (void)poll(nullptr, 0, static_cast<int>(pause / kMillisecond));
+    poll(nullptr, 0, static_cast<int>(pause / kMillisecond));
     pause = std::min(2 * pause, kLongestPause);
     state = lockFile(file, LOCK_EX | LOCK_NB);
   }

@@ -32,23 +32,23 @@ std::int32_t wholeMilliseconds(Duration duration) {
 
 // A mutex with default attributes reports no failure when it is used as the header demands, so the
 // results of these calls are of no interest.
-BasicMutex::~BasicMutex() { (void)pthread_mutex_destroy(&mutex_); }
+BasicMutex::~BasicMutex() { pthread_mutex_destroy(&mutex_); }
 
-void BasicMutex::lock() { (void)pthread_mutex_lock(&mutex_); }
+void BasicMutex::lock() { pthread_mutex_lock(&mutex_); }
 
-void BasicMutex::unlock() { (void)pthread_mutex_unlock(&mutex_); }
+void BasicMutex::unlock() { pthread_mutex_unlock(&mutex_); }
 
 TimedMutex::TimedMutex(const char* name, Duration acquire_threshold, Duration hold_threshold)
     : name_(name == nullptr || *name == '\0' ? "<unnamed mutex>" : name),
       acquire_threshold_(std::max<Duration>(acquire_threshold, 0)),
       hold_threshold_(std::max<Duration>(hold_threshold, 0)) {}
 
-TimedMutex::~TimedMutex() { (void)pthread_mutex_destroy(&mutex_); }
+TimedMutex::~TimedMutex() { pthread_mutex_destroy(&mutex_); }
 
 void TimedMutex::lock() {
   std::string caller = threadName();
   const TimePoint asked_at = monotonicTime();
-  (void)pthread_mutex_lock(&mutex_);
+  pthread_mutex_lock(&mutex_);
   acquired_at_ = monotonicTime();
   holder_ = std::move(caller);
   const Duration waited = acquired_at_ - asked_at;
@@ -65,7 +65,7 @@ void TimedMutex::unlock() {
   // the warning needs is copied first.
   const Duration threshold = hold_threshold_;
   const std::string name = held > threshold ? name_ : std::string();
-  (void)pthread_mutex_unlock(&mutex_);
+  pthread_mutex_unlock(&mutex_);
   if (held > threshold) long_hold_handler.load()(name.c_str(), holder.c_str(), threshold, held);
 }
 

@@ -18,33 +18,33 @@ thread_local sigset_t outermost_mask;
 
 SignalHold::SignalHold() {
   sigset_t held;
-  (void)sigfillset(&held);
-  for (const int signal : kNotHeld) (void)sigdelset(&held, signal);
-  (void)pthread_sigmask(SIG_BLOCK, &held, &before_);
+  sigfillset(&held);
+  for (const int signal : kNotHeld) sigdelset(&held, signal);
+  pthread_sigmask(SIG_BLOCK, &held, &before_);
   if (holds++ == 0) outermost_mask = before_;
 }
 
 SignalHold::~SignalHold() {
   --holds;
-  (void)pthread_sigmask(SIG_SETMASK, &before_, nullptr);
+  pthread_sigmask(SIG_SETMASK, &before_, nullptr);
 }
 
 SignalRelease::SignalRelease() {
   sigset_t released = outermost_mask;
-  for (const int signal : kStopping) (void)sigaddset(&released, signal);
-  (void)pthread_sigmask(SIG_SETMASK, holds > 0 ? &released : nullptr, &before_);
+  for (const int signal : kStopping) sigaddset(&released, signal);
+  pthread_sigmask(SIG_SETMASK, holds > 0 ? &released : nullptr, &before_);
 }
 
-SignalRelease::~SignalRelease() { (void)pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+SignalRelease::~SignalRelease() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
 
 void resetSignals() {
   for (int number = 1; number <= SIGRTMAX; ++number) {
-    (void)std::signal(number, SIG_IGN);  // discards one that was held back
-    (void)std::signal(number, SIG_DFL);
+    std::signal(number, SIG_IGN);  // discards one that was held back
+    std::signal(number, SIG_DFL);
   }
   sigset_t none;
-  (void)sigemptyset(&none);
-  (void)pthread_sigmask(SIG_SETMASK, &none, nullptr);
+  sigemptyset(&none);
+  pthread_sigmask(SIG_SETMASK, &none, nullptr);
 }
 
 }  // namespace tunadm

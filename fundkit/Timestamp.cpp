@@ -37,7 +37,7 @@ BrokenDownTime breakDown(TimePoint time) {
   }
   const auto whole = static_cast<time_t>(seconds);
   tm date{};
-  (void)gmtime_r(&whole, &date);  // fails only for years beyond an int
+  gmtime_r(&whole, &date);  // fails only for years beyond an int
   return {date.tm_year + 1900, date.tm_mon + 1, date.tm_mday,    date.tm_hour,
           date.tm_min,         date.tm_sec,     fraction / 1000, fraction % 1000};
 }
@@ -45,11 +45,11 @@ BrokenDownTime breakDown(TimePoint time) {
 std::string formatTimestamp(TimePoint time, bool with_fraction, char separator) {
   const BrokenDownTime date = breakDown(time);
   char text[kTextSize];
-  (void)std::snprintf(text, sizeof(text), "%04d-%02d-%02d%c%02d:%02d:%02d", date.year, date.month,
-                      date.day, separator, date.hour, date.minute, date.second);
+  std::snprintf(text, sizeof(text), "%04d-%02d-%02d%c%02d:%02d:%02d", date.year, date.month,
+                date.day, separator, date.hour, date.minute, date.second);
   std::string stamp = text;
   if (!with_fraction) return stamp;
-  (void)std::snprintf(text, sizeof(text), ".%06d", date.millisecond * 1000 + date.microsecond);
+  std::snprintf(text, sizeof(text), ".%06d", date.millisecond * 1000 + date.microsecond);
   return stamp + text;
 }
 
@@ -70,8 +70,8 @@ std::string dateStampedName(const char* prefix, TimePoint time, const char* suff
                             StampPrecision precision) {
   const BrokenDownTime date = breakDown(time == 0 ? currentTime() : time);
   char text[kTextSize];
-  (void)std::snprintf(text, sizeof(text), "%04d%02d%02d-%02d%02d%02d", date.year, date.month,
-                      date.day, date.hour, date.minute, date.second);
+  std::snprintf(text, sizeof(text), "%04d%02d%02d-%02d%02d%02d", date.year, date.month, date.day,
+                date.hour, date.minute, date.second);
   std::string stamp = text;
   stamp.resize(stamp.size() - droppedBytes(precision));
   std::string name = prefix == nullptr ? "" : prefix;

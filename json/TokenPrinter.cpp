@@ -7,7 +7,7 @@ namespace tunadm {
 namespace {
 
 void printItem(const char* item) {
-  (void)std::printf("%s ", item);  // output for diagnosis: a failed write is not reported
+  std::printf("%s ", item);  // output for diagnosis: a failed write is not reported
 }
 
 }  // namespace
@@ -30,12 +30,12 @@ void TokenPrinter::onColon() { printItem(":"); }
 
 void TokenPrinter::onValue(double number) {
   char text[100];
-  (void)std::snprintf(text, sizeof(text), "%f", number);  // deliberate: a longer one is cut
+  std::snprintf(text, sizeof(text), "%f", number);  // deliberate: a longer one is cut
   printItem(text);
 }
 
 void TokenPrinter::onValue(std::string_view text) {
-  (void)std::printf("\"%s\" ", std::string(text).c_str());  // as in printItem
+  std::printf("\"%s\" ", std::string(text).c_str());  // as in printItem
 }
 
 void TokenPrinter::onNull() { printItem("null"); }

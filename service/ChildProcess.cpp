@@ -25,9 +25,9 @@ void becomeProgram(const ProgramCall& call) {
   std::transform(std::begin(call.arguments), std::end(call.arguments), vector,
                  [](const char* argument) { return const_cast<char*>(argument); });
   sigset_t none;
-  (void)sigemptyset(&none);
-  (void)pthread_sigmask(SIG_SETMASK, &none, nullptr);
-  (void)execve(call.path, vector, environ);  // returns only on failure
+  sigemptyset(&none);
+  pthread_sigmask(SIG_SETMASK, &none, nullptr);
+  execve(call.path, vector, environ);  // returns only on failure
   endUnstartedChild();
 }
 

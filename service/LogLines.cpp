@@ -40,7 +40,7 @@ void LogLines::addBlock(std::size_t size) {
   blocks_.reserve(blocks_.size() + 1);
   char* const bytes = static_cast<char*>(std::aligned_alloc(size, size));
   if (bytes == nullptr) throw std::bad_alloc();
-  if (size == kFurtherBlock) (void)madvise(bytes, size, MADV_HUGEPAGE);  // not everywhere to be had
+  if (size == kFurtherBlock) madvise(bytes, size, MADV_HUGEPAGE);  // not everywhere to be had
   blocks_.push_back({{bytes, &std::free}, size, size});
 }
 

@@ -22,7 +22,7 @@ Status ServiceRestart::stop() {
   Status stopped = runChild([this] {
     keeper_->outlastThisChild();
     // A Ctrl-Z that stopped this child would leave this process waiting with the lock held.
-    (void)std::signal(SIGTSTP, SIG_IGN);
+    std::signal(SIGTSTP, SIG_IGN);
     currentSystem().stop();
   });
   return withCommand(stopped, ServiceVerb::kStop);

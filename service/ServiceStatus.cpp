@@ -43,7 +43,7 @@ bool readStatusFile(const std::string& path, KeyValueTable* table) {
   bool read = readKeyValueFile(path, '=', std::nullopt, table);
   for (int look = 0; look < kFurtherLooks; ++look) {
     if (read ? hasTimes(*table) : path.empty() || isMissing(path)) break;
-    (void)poll(nullptr, 0, kMillisecondsBetweenLooks);
+    poll(nullptr, 0, kMillisecondsBetweenLooks);
     read = readKeyValueFile(path, '=', std::nullopt, table);
   }
   return read;

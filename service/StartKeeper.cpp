@@ -45,7 +45,7 @@ void closeAllBut(int channel) {
 
 // Becomes the init system's command in the end. Each byte that is sent tells how far it has come.
 void keep(int channel) {
-  (void)setsid();  // a new child leads no group, so this succeeds
+  setsid();  // a new child leads no group, so this succeeds
   resetSignals();
   closeAllBut(channel);
   (void)sendByte(kChannel);     // ready
