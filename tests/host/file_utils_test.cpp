@@ -540,7 +540,9 @@ TEST(RemoveTree, LastEntry) {
     host.file("/tmp/tree/sub/"s + name, "");
     {
       const SmallDisk disk("/tmp/tree/busy");  // cannot be removed
-      EXPECT_EQ(emptyDirectory("/tmp/tree", name).code(), kRmdirFailed);
+      const Status refused = emptyDirectory("/tmp/tree", name);
+      EXPECT_EQ(refused.code(), kRmdirFailed);
+      EXPECT_EQ(refused.cause(), "rmdir /tmp/tree/busy: Device or resource busy");
       EXPECT_TRUE(host.exists("/tmp/tree/"s + name));
     }
     EXPECT_TRUE(emptyDirectory("/tmp/tree", name).ok());
