@@ -92,7 +92,7 @@ class Tunadm:
         self.system = ['sys=' + system] if system else []
 
     def call(self, *words, tolerated=()):
-        """The result of a command, which may also have one of the `tolerated` status codes."""
+        """The result of a command whose status is a success or one of `tolerated`."""
         exit_code, output, errors = self.module.run_command(
             [self.program] + list(words) + ['output=json'], expand_user_and_vars=False)
         command = ' '.join(words[:2])
@@ -100,8 +100,9 @@ class Tunadm:
             result = json.loads(output)
             code = result['status_code']
         except (ValueError, KeyError, TypeError):
-            # Half a result may hold an invitation code. With another exit code there is none.
-            reason = output if exit_code else 'no result in JSON'
+            # Output is quoted only where it says that the command line was refused: part of a result
+            # may hold an invitation code.
+            reason = output if exit_code else 'no result in JSON\n'
             self.module.fail_json(msg='%s: %s' % (command, (reason + errors).strip()))
         if code >> 24 != 0 and code not in tolerated:
             self.module.fail_json(msg=described(command, result), init_system=errors.strip())
