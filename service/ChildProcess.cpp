@@ -68,6 +68,11 @@ std::string outcomeText(int outcome) {
                                : "signal " + std::to_string(outcome - kSignalBase);
 }
 
+std::string exitCause(const char* path, const std::string& command, const std::string& ending) {
+  // The exit status of a program that could not be run says nothing.
+  return access(path, X_OK) != 0 ? systemCause("execute", path) : command + ": " + ending;
+}
+
 Status awaitChild(pid_t child) {
   const int outcome = waitForChild(child);
   if (outcome == kExitBase) return Status(kSuccess);

@@ -52,6 +52,10 @@ inline constexpr int kNoChild = 3002;
 // "exit status 1", "signal 9"; only for these outcomes.
 std::string outcomeText(int outcome);
 
+// Why the program at `path`, run by `command`, exited with a failure: that it cannot be executed,
+// if so, or else `ending`: "/bin/systemctl stop quenlay: exit status 1".
+std::string exitCause(const char* path, const std::string& command, const std::string& ending);
+
 // Waits in the same way and returns the outcome as a status: kSuccess after exit status 0, else
 // kChildExitedNonzero, kChildSignalled or kWaitpidFailed.
 Status awaitChild(pid_t child);

@@ -1,13 +1,10 @@
 #include "service/ServiceControl.h"
 
-#include <unistd.h>
-
 #include <cstddef>
 #include <string>
 
 #include "core/Privilege.h"
 #include "core/ProgramStatus.h"
-#include "fundkit/SystemFailure.h"
 #include "service/ChildProcess.h"
 
 namespace tunadm {
@@ -49,11 +46,10 @@ Status withCommand(Status outcome, ServiceVerb verb) {
   if (outcome.ok()) return outcome;
   const ProgramCall call = currentSystem().command(verb);
   if (call.path == nullptr) return outcome.because("this host has no init system to command");
-  // The exit status of a command that could not be run says nothing.
-  if (outcome.code() == kChildExitedNonzero && access(call.path, X_OK) != 0) {
-    return outcome.because(systemCause("execute", call.path));
-  }
-  return outcome.because(commandLine(call) + ": " + outcome.cause());
+  const std::string line = commandLine(call);
+  return outcome.because(outcome.code() == kChildExitedNonzero
+                             ? exitCause(call.path, line, outcome.cause())
+                             : line + ": " + outcome.cause());
 }
 
 }  // namespace tunadm

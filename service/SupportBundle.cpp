@@ -23,7 +23,7 @@ Status writeSupportBundle() {
   if (result < 0) return systemFailure(kSystemFailed, "execute", kBundleScript);
   const bool not_run = WIFEXITED(result) && WEXITSTATUS(result) == kNotRun;
   return Status(not_run ? kSystemFailed : kApplicationError)
-      .because(shownPath(kBundleScript).append(": ").append(outcomeText(outcomeOf(result))));
+      .because(exitCause(kBundleScript, shownPath(kBundleScript), outcomeText(outcomeOf(result))));
 }
 
 }  // namespace tunadm
