@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <cstddef>
-#include <cstdint>
 #include <cstdio>
 #include <span>
 
@@ -122,19 +121,11 @@ std::string resultList(TunadmCommandInstance* command) {
   return ".Pp\nResult:\n" + joined({fields.begin(), fields.end()}, ",\n") + "\n";
 }
 
-// Appends a row for every number of a category and a module that has a text of its own.
-void appendStatuses(std::uint32_t category, std::uint32_t module, std::string* rows) {
-  constexpr std::uint32_t kNumbers = 0x1000;
-  constexpr std::uint32_t kUnownedModule = 0xfff000;
-  const std::string general = statusText(static_cast<StatusCode>(category << 24 | kUnownedModule));
-  for (std::uint32_t number = 1; number < kNumbers; ++number) {
-    const std::uint32_t code = category << 24 | module << 12 | number;
-    const std::string text = statusText(static_cast<StatusCode>(code));
-    if (text == general) continue;
-    char shown[sizeof("0x00000000")];
-    (void)std::snprintf(shown, sizeof(shown), "0x%08x", code);  // always fits
-    rows->append(".It ").append(shown).append("\n").append(prose(text));
-  }
+std::string statusItem(const StatusCause& row) {
+  char shown[sizeof("0x00000000")];
+  (void)std::snprintf(shown, sizeof(shown), "0x%08x", static_cast<unsigned>(row.code));
+  const std::string text = std::string(".It ") + shown + " " + statusText(row.code) + "\n";
+  return row.cause.empty() ? text : text + prose(row.cause);
 }
 
 }  // namespace
@@ -152,15 +143,11 @@ std::string manualCommands() {
 }
 
 std::string manualStatuses() {
-  constexpr std::uint32_t kCategories = 0x80;
-  constexpr std::uint32_t kModules[] = {0, kProgramModule};
   registerStatusTexts(kProgramModule, &programStatusText);
-  std::string rows;
-  for (std::uint32_t category = 0; category < kCategories; ++category) {
-    for (const std::uint32_t module : kModules) appendStatuses(category, module, &rows);
-  }
-  rows.pop_back();
-  return rows;
+  std::string items;
+  for (const StatusCause& row : statusCauses()) items += statusItem(row);
+  items.pop_back();
+  return items;
 }
 
 std::string manualDetailKeys() {

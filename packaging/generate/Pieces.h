@@ -6,7 +6,7 @@
 namespace tunadm {
 
 // In mdoc, as items of a list: every command that has a help page, with its parameters and result
-// fields; every status code, with its text.
+// fields; every status that a command returns, with its text and its cause.
 std::string manualCommands();
 std::string manualStatuses();
 
