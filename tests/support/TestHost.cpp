@@ -1,19 +1,8 @@
 #include "tests/support/TestHost.h"
 
-#include <fcntl.h>
 #include <grp.h>
-#include <gtest/gtest.h>
 #include <sched.h>
 #include <sys/mman.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <cstdio>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <vector>
 
 namespace tunadm {
 
