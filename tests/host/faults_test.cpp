@@ -1,23 +1,10 @@
 // Every system call of every command fails once, and the program is killed before every change that
 // it makes: each command runs under strace, which shows the calls and then spoils one at a time.
-#include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cctype>
-#include <csignal>
-#include <cstdio>
-#include <cstdlib>
-#include <ctime>
-#include <fstream>
-#include <iterator>
-#include <map>
 #include <ostream>
 #include <set>
-#include <sstream>
-#include <string>
-#include <string_view>
-#include <vector>
 
 #include "tests/support/TestHost.h"
 
@@ -278,10 +265,10 @@ struct FaultyRuns {
     const FaultHost host(row.store);
     const Outcome outcome = run(host, options);
     Files files = host.files();
+    expectStarted(host);
     if (killed) {
       EXPECT_EQ(outcome.signal, SIGKILL);
       expectSound(files, false, true);
-      expectStarted(host);
       EXPECT_FALSE(failed(host.says("list profiles")));
       const std::string again = host.says(row.line);
       return failed(again) ? expectCode(again, row.again) : expectFields(again);
