@@ -1,23 +1,7 @@
 // What a command has reported as done is on the disk: the store lies on a file system of its own,
 // whose device is copied at once, as a power cut would leave it.
-#include <fcntl.h>
-#include <gtest/gtest.h>
-#include <linux/loop.h>
-#include <sys/ioctl.h>
 #include <sys/mount.h>
-#include <sys/stat.h>
 #include <sys/sysmacros.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <map>
-#include <string>
 
 #include "fundkit/ScopedFd.h"
 #include "tests/support/TestHost.h"
@@ -31,39 +15,10 @@ constexpr const char* kDisk = "/disk";
 constexpr const char* kCopy = "/disk-after-the-cut";
 constexpr const char* kMountedCopy = "/after-the-cut";
 
-[[noreturn]] void skip(const std::string& what) {
-  std::printf("skipped, %s: %s\n", what.c_str(), std::strerror(errno));
-  std::exit(77);
-}
-
-bool makeDevice(const std::string& path, mode_t type, unsigned major, unsigned minor) {
-  return mknod(path.c_str(), type | 0600, makedev(major, minor)) == 0 || errno == EEXIST;
-}
-
-// A free loop device to which the file has been attached, until its last user lets go of it. Empty
-// on failure; errno tells why.
-std::string attachLoopDevice(const char* image, ScopedFd* device) {
-  if (!makeDevice("/dev/loop-control", S_IFCHR, 10, 237)) return "";
-  const ScopedFd control(open("/dev/loop-control", O_RDWR | O_CLOEXEC));
-  const ScopedFd file(open(image, O_RDWR | O_CLOEXEC));
-  loop_config config = {};
-  config.fd = static_cast<unsigned>(file.get());
-  config.info.lo_flags = LO_FLAGS_AUTOCLEAR;
-  do {  // until no other process is quicker
-    const int number = ioctl(control.get(), LOOP_CTL_GET_FREE);
-    std::string path = "/dev/loop" + std::to_string(number);
-    if (number < 0 || !makeDevice(path, S_IFBLK, 7, static_cast<unsigned>(number))) return "";
-    *device = ScopedFd(open(path.c_str(), O_RDWR | O_CLOEXEC));
-    if (ioctl(device->get(), LOOP_CONFIGURE, &config) == 0) return path;
-  } while (errno == EBUSY);
-  return "";
-}
-
-// Mounts the file system in a file. False on failure; errno tells why.
-bool mountImage(const char* image, const char* place, unsigned long flags, const char* options) {
-  ScopedFd device;  // held until the mount holds it
-  const std::string path = attachLoopDevice(image, &device);
-  return !path.empty() && mount(path.c_str(), place, "ext4", flags, options) == 0;
+// False where there is no loop device to be had.
+bool mountImage(const TestHost& host, const char* image, const char* place, const char* options) {
+  return host.run(std::string("/usr/bin/mount -o loop,") + options + " " + image + " " + place).exit ==
+         0;
 }
 
 // Type, mode and content of each entry, by its path below `root`.
@@ -85,12 +40,17 @@ struct PowerHost : TestHost {
   PowerHost() {
     std::ofstream(kDisk).close();
     fs::create_directories(kMountedCopy);
+    (void)mknod("/dev/loop-control", S_IFCHR | 0600, makedev(10, 237));
+    for (unsigned i = 0; i < 100; ++i)
+      (void)mknod(("/dev/loop" + std::to_string(i)).c_str(), S_IFBLK | 0600, makedev(7, i));
     if (truncate(kDisk, 16 << 20) != 0 ||
-        run("/usr/bin/mkfs.ext4 -q -F " + (kDisk + std::string())).exit != 0)
-      skip("no ext4 file system can be made here (package e2fsprogs)");
-    if (!mountImage(kDisk, "/opt/vrx", 0, "commit=900")) skip("no loop device can be mounted here");
+        run(std::string("/usr/bin/mkfs.ext4 -q -F ") + kDisk).exit != 0 ||
+        !mountImage(*this, kDisk, "/opt/vrx", "commit=900")) {
+      std::puts("skipped: no ext4 file system can be made in a loop device here");
+      std::exit(77);
+    }
   }
-  ~PowerHost() { EXPECT_EQ(umount("/opt/vrx"), 0) << std::strerror(errno); }
+  ~PowerHost() { EXPECT_EQ(umount("/opt/vrx"), 0); }
 
   void fill(bool with_names_to_repair = false) {
     fs::remove_all("/opt/vrx/profiles");
@@ -111,7 +71,7 @@ struct PowerHost : TestHost {
     const auto now = entries("/opt/vrx/profiles");
     // The device has written to this file what it was given, and nothing else.
     fs::copy_file(kDisk, kCopy, fs::copy_options::overwrite_existing);
-    EXPECT_TRUE(mountImage(kCopy, kMountedCopy, MS_RDONLY, "")) << std::strerror(errno);
+    EXPECT_TRUE(mountImage(*this, kCopy, kMountedCopy, "rw"));
     auto then = entries(kMountedCopy + std::string("/profiles"));
     EXPECT_EQ(umount(kMountedCopy), 0);
     for (const auto& [path, text] : now) {
