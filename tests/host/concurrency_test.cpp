@@ -1,14 +1,7 @@
 // Many processes at once on one store, some of which are killed.
-#include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <ctime>
 #include <random>
 #include <set>
-#include <sstream>
-#include <string>
-#include <vector>
 
 #include "tests/support/TestHost.h"
 

@@ -1,13 +1,5 @@
 // The profile store, used through its own functions at its real place.
-#include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <map>
-#include <string>
-#include <utility>
-#include <vector>
-
-#include "profiles/ConfigControl.h"
 #include "profiles/CurrentProfile.h"
 #include "profiles/ProfileList.h"
 #include "profiles/TakenNames.h"
@@ -15,6 +7,8 @@
 
 namespace tunadm {
 namespace {
+
+using namespace std::literals;
 
 // "<directory>: <name>" for each profile.
 std::vector<std::string> enumerated() {
@@ -65,12 +59,11 @@ TEST(CurrentProfile, WhatTheMarkerMayName) {
   host.factory().profile("one", "first").profile("nameless").file("plain", "x");
   host.link("one", "link").link("nowhere", "dead");
   EXPECT_FALSE(lookUpCurrentProfile().valid) << "no marker";
-  const std::pair<std::string, std::string> valid[] = {{"one\nignored\n", "one: first"},
-                                                       {std::string("one\0x\n", 6), "one: first"},
-                                                       {"nameless\n", "nameless: nameless"},
-                                                       {"gone\n", "gone: gone"},
-                                                       {".factory\n", ".factory: .factory"}};
-  for (const auto& [marker, expected] : valid) {
+  for (const auto& [marker, expected] : {std::pair{"one\nignored\n"s, "one: first"},
+                                         {"one\0x\n"s, "one: first"},
+                                         {"nameless\n"s, "nameless: nameless"},
+                                         {"gone\n"s, "gone: gone"},
+                                         {".factory\n"s, ".factory: .factory"}}) {
     host.file(".current", marker);
     const ProfileIdentity identity = lookUpCurrentProfile();
     EXPECT_EQ(identity.dir_name + ": " + identity.profile_name, expected);
@@ -120,18 +113,6 @@ TEST(ProfileList, WhatCannotBeReadIsNotReplaced) {
   EXPECT_EQ(host.read(".current"), unreadable);
   host.remove(".current");
   EXPECT_TRUE(enterCurrentProfile(&path));
-}
-
-TEST(ConfigControl, RefusalsLeaveTheFileAlone) {
-  TestHost host;
-  host.file("p/hip.conf", "a\n").block("p/endbox.conf").block("p/hip.conf.temp");
-  EXPECT_EQ(writeLogLevel("p", "info").code(), 0x14000006) << "what cannot be read stays";
-  EXPECT_EQ(writeMasterInterface("p", "eth0").code(), 0x14000005);
-  EXPECT_EQ(host.read("p/hip.conf"), "a\n");
-  host.remove("p/hip.conf").remove("p/hip.conf.temp");
-  EXPECT_TRUE(writeMasterInterface("p", "eth0").ok()) << "a missing file is made";
-  EXPECT_EQ(host.read("p/hip.conf"), "master_interface=eth0\n");
-  EXPECT_EQ(host.mode("p/hip.conf"), 0644u);
 }
 
 }  // namespace

@@ -1,16 +1,6 @@
 // The program as its users run it: command lines and what they print.
-#include <errno.h>
-#include <fcntl.h>
-#include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <csignal>
-#include <cstdlib>
-#include <sstream>
-#include <string>
-#include <utility>
 
 #include "tests/support/TestHost.h"
 
@@ -57,13 +47,18 @@ TEST(Program, WithoutACommand) {
   }
 }
 
-TEST(Program, SaysWhenItsResultCannotBeWritten) {
+TEST(Program, SaysOnceWhenItsResultCannotBeWritten) {
   TestHost host;
-  for (const std::string words : {"help", "json {} output=json"}) {
-    const Outcome full = host.runWords({"/bin/sh", "-c", "tunadm " + words + " >/dev/full"});
-    EXPECT_EQ(full.exit, 0);
-    EXPECT_EQ(full.err, "E~ tunadm LinePrinter.cpp write: write output: No space left on device\n");
-  }
+  host.profile("a", "a").file("a/hip.log", std::string(400000, 'x'));  // more than one write takes
+  const auto said = [&host](const std::string& line) {
+    const Outcome outcome = host.runWords({"/bin/sh", "-c", line});
+    EXPECT_EQ(outcome.exit, 0);
+    return outcome.err;
+  };
+  for (const std::string words : {"help", "list log a max_lines=1000", "json {} output=json"})
+    EXPECT_EQ(said("tunadm " + words + " >/dev/full"),
+              "E~ tunadm LinePrinter.cpp write: write output: No space left on device\n");
+  EXPECT_EQ(said("(sleep 0.1; tunadm help) | :"), "") << "no reader needs no reason";
 }
 
 TEST(Program, SaysWhyTheSystemRefused) {
@@ -133,16 +128,9 @@ TEST(Program, SaysWhyTheSystemRefused) {
        [](TestHost& host) { host.file("one/hip.log", "", 0); }, RunAs::kOrdinaryUser},
       // Refusals that are to be expected.
       {"profile details two", "", nullptr},
-      {"profile rename one new_name=one", "", nullptr},
       {"profile rename one new_name=a\nb", "", nullptr},
       {"profile create one helmsman=h allow_rename=no", "", nullptr},
       {"profile delete .factory", "", nullptr},
-      {"profile delete one", "",
-       [](TestHost& host) {
-         host.file(".current", "one\n");
-         host.file("one/hipvars.txt", "uptime.now=99999999999\nuptime.started=1\n");
-       }},
-      {"support reset one", "", nullptr, RunAs::kOrdinaryUser},
       {"service start", "", nullptr, RunAs::kOrdinaryUser},
   };
   for (const auto& c : cases) {
@@ -168,18 +156,19 @@ TEST(Program, CreatesAndShowsAProfile) {
   const std::string profile = "profile-123123/";
   EXPECT_EQ(host.mode(profile), 0755u);
   EXPECT_EQ(host.mode(profile + "ca-certs"), 0755u);
-  const std::pair<std::string, std::string> files[] = {
-      {"profile_name", "office\n"},
-      {"hip.conf", "master_interface=eth0\n"},
-      {"endbox.conf",
-       "device_ip=1.2.3.4\ndevice_mask=255.0.0.0\nlog_level=info\nactivation_code=abc\n"},
-      {"mapconfig.static", "map_uri=https://10.0.0.1:8096\n"},
-      {"ca-certs/root.pem", "certificate\n"},
-  };
-  for (const auto& [file, content] : files) {
-    EXPECT_EQ(host.read(profile + file), content) << file;
-    const bool written_in_place = file == "profile_name" || file == "mapconfig.static";
-    EXPECT_EQ(host.mode(profile + file), written_in_place ? 0640u : 0644u) << file;
+  const struct {
+    const char* name;
+    mode_t mode;
+    const char* content;
+  } files[] = {{"profile_name", 0640, "office\n"},
+               {"hip.conf", 0644, "master_interface=eth0\n"},
+               {"endbox.conf", 0644,
+                "device_ip=1.2.3.4\ndevice_mask=255.0.0.0\nlog_level=info\nactivation_code=abc\n"},
+               {"mapconfig.static", 0640, "map_uri=https://10.0.0.1:8096\n"},
+               {"ca-certs/root.pem", 0644, "certificate\n"}};
+  for (const auto& file : files) {
+    EXPECT_EQ(host.read(profile + file.name), file.content);
+    EXPECT_EQ(host.mode(profile + file.name), file.mode) << file.name;
   }
   EXPECT_EQ(host.run("/bin/ls -A /tmp/lock").out, "") << "a lock is left behind";
 
@@ -209,8 +198,10 @@ TEST(Program, NoSuchProfile) {
     EXPECT_EQ(host.says("profile details " + selector), kNotFound) << selector;
   EXPECT_EQ(host.says("profile details b --quiet"), "status_code: 0x12001001\n");
   host.remove("/opt/vrx/profiles");
-  EXPECT_EQ(host.says("list profiles"), kApplication);
-  EXPECT_EQ(host.says("profile details a"), kApplication);
+  for (const char* words : {"list profiles", "profile details a"})
+    EXPECT_EQ(host.says(words), kApplication);
+  host.remove("/opt/vrx").link("/opt/vrx", "/opt/vrx");
+  EXPECT_EQ(host.says("profile create x helmsman=h"), kApplication);
 }
 
 TEST(Create, ChoosesAFreeNameAndDirectory) {
@@ -308,17 +299,6 @@ TEST(Diagnostics, LogVersionsBundleAndInterfaces) {
   EXPECT_EQ(host.says("list versions"), "hipapp_version: 2.2\ntunadm_version: 2.2\n");
 }
 
-TEST(Create, EndsAtOnceWithoutAStore) {
-  TestHost host;
-  for (const char* store : {"file", "loop of links"}) {
-    host.remove("/opt/vrx");
-    if (store[0] == 'f') host.file("/opt/vrx", "");
-    if (store[0] == 'l') host.link("/opt/vrx", "/opt/vrx");
-    EXPECT_EQ(host.says("profile create x helmsman=h"), failure("application error", "0x12000001"))
-        << store;
-  }
-}
-
 TEST(Log, WithoutAccessOrMemory) {
   TestHost host;
   host.profile("a", "office").file("a/hip.log", std::string(8000000, 'x') + "\n", 0);
@@ -331,38 +311,28 @@ TEST(Log, WithoutAccessOrMemory) {
 #endif
 }
 
-// Writes a log and cuts it, again and again. Each line takes 64 bytes, so that a write of which
-// only some pages are there yet ends with a whole line.
-[[noreturn]] void writeAndCut(const std::string& path) {
-  const int log = open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0644);
-  for (int content = 10000;; ++content) {
-    std::string lines;
-    for (int line = 100000; line < 120000; ++line) {
-      lines += "I~ " + std::to_string(content) + " " + std::to_string(line) + " ";
-      lines.append(64 - 1 - lines.size() % 64, 'x').append("\n");
-    }
-    for (std::size_t start = 0; start < lines.size(); start += 65536)
-      if (write(log, &lines[start], std::min<std::size_t>(65536, lines.size() - start)) < 0)
-        abort();
-    usleep(static_cast<useconds_t>(content % 8) * 1000);
-    if (ftruncate(log, 0) != 0) abort();
-  }
-}
-
+// Each line takes 64 bytes, so that a write of which only some pages are there yet ends with a
+// whole line.
 TEST(Log, AnswersAreOfOneContentWhileItIsCutAndWrittenAnew) {
   TestHost host;
   host.profile("a", "office").file("a/hip.log", "");
+  host.file("/tmp/writer", "n=10000; while n=$((n + 1)); do\n seq -f \"I~ $n %06.0f " +
+                               std::string(47, 'x') +
+                               "\" 100000 120000 >/opt/vrx/profiles/a/hip.log\ndone\n");
   const pid_t writer = fork();
-  if (writer == 0) writeAndCut("/opt/vrx/profiles/a/hip.log");
+  if (writer == 0) _exit(execl("/bin/sh", "sh", "/tmp/writer", nullptr));
+  std::size_t most = 0;
   for (int round = 0; round < 200; ++round) {
     std::istringstream answer(host.says("list log office max_lines=100000"));
+    most = std::max(most, answer.str().size());
     std::string line;
     std::getline(answer, line);
     for (std::string next; std::getline(answer, next) && next != "profile_name: office";
          line = next)
-      ASSERT_EQ(next.substr(0, 15), "I~ " + std::to_string(std::stoll(line.substr(3, 5))) + " " +
-                                        std::to_string(std::stoll(line.substr(9, 6)) + 1));
+      ASSERT_EQ(next.substr(0, 15),
+                line.substr(0, 9) + std::to_string(std::stoll(line.substr(9, 6)) + 1));
   }
+  EXPECT_GT(most, 1000U);
   EXPECT_EQ(kill(writer, SIGKILL), 0);
   EXPECT_EQ(waitpid(writer, nullptr, 0), writer);
 }
