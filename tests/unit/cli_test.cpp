@@ -1,8 +1,5 @@
-#include <gtest/gtest.h>
 
 #include <sstream>
-#include <string>
-#include <vector>
 
 #include "cli/CatalogueParams.h"
 #include "cli/CommandLookup.h"

@@ -1,11 +1,9 @@
 #include <arpa/inet.h>
-#include <gtest/gtest.h>
 #include <ifaddrs.h>
 #include <net/if.h>
 #include <netinet/in.h>
 
 #include <bit>
-#include <string>
 #include <utility>
 
 #include "profiles/ConfigControl.h"

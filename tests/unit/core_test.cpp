@@ -1,10 +1,7 @@
-#include <gtest/gtest.h>
 
 #include <cstdio>
 #include <sstream>
-#include <string>
 #include <utility>
-#include <vector>
 
 #include "core/CommandCore.h"
 #include "core/JsonString.h"
@@ -199,25 +196,19 @@ TEST(JsonText, EscapesOnlyWhatItMust) {
     EXPECT_EQ(json, expected);
   }
   const std::string replaced = "\xef\xbf\xbd";
+  const std::string whole =
+      "\x7f \xc2\x80 \xdf\xbf \xe0\xa0\x80 \xed\x9f\xbf\xee\x80\x80 "
+      "\xf0\x90\x80\x80\xf4\x8f\xbf\xbf";
   const std::pair<std::string, std::string> cases[] = {
-      {"", ""},
       {R"(a"b\c/)", R"(a\"b\\c/)"},
-      {"\x7f \xc2\x80 \xdf\xbf \xe0\xa0\x80", "\x7f \xc2\x80 \xdf\xbf \xe0\xa0\x80"},
-      {"\xed\x9f\xbf\xee\x80\x80\xef\xbf\xbf", "\xed\x9f\xbf\xee\x80\x80\xef\xbf\xbf"},
-      {"\xf0\x90\x80\x80\xf4\x8f\xbf\xbf", "\xf0\x90\x80\x80\xf4\x8f\xbf\xbf"},
+      {whole, whole},
       // One replacement for each byte that begins nothing, such as those of overlong forms, of
       // surrogates and of numbers above U+10FFFF.
-      {"\x80", "?"},
-      {"\xc0\xaf\xc1\xbf", "????"},
-      {"\xe0\x9f\xbf", "???"},
-      {"\xf0\x8f\xbf\xbf", "????"},
-      {"\xed\xa0\x80\xed\xbf\xbf", "??????"},
-      {"\xf4\x90\x80\x80", "????"},
-      {"\xf5\xff\xfe", "???"},
+      {"\x80 \xc0\xaf\xc1\xbf \xe0\x9f\xbf \xf0\x8f\xbf\xbf", "? ???? ??? ????"},
+      {"\xed\xa0\x80\xed\xbf\xbf \xf4\x90\x80\x80 \xf5\xff\xfe", "?????? ???? ???"},
       // One for the longest beginning of a character.
       {"\xe2\x82", "?"},
-      {"\xe2\x82\"", "?\\\""},
-      {"\xf0\x9f\x98\xc3\xc3\xa4", "??\xc3\xa4"},
+      {"\xe2\x82\" \xf0\x9f\x98\xc3\xc3\xa4", "?\\\" ??\xc3\xa4"},
       {"a\xf1\x80\x80\xe1\x80\xc2"
        "b\x80"
        "c\x80\xbf"
@@ -244,11 +235,9 @@ TEST(StatusText, OfTheModuleElseOfTheCategory) {
   for (const std::string row :
        {"00000001 success", "00000000 invalid status code", "14000002 stdlib error: opendir",
         "14000013 stdlib error: system", "00001002 profile is currently running",
-        "12001001 profile not found", "00000003 generic success", "10000099 generic client error",
-        "12002001 generic application error", "14000099 generic host error",
+        "12001001 profile not found", "10000099 generic client error",
         "16000099 generic external-dependency error", "15000000 generic error code",
         "20000002 unrecognized informational status code",
-        "22000001 unrecognized transient-error status code",
         "24000009 unrecognized internal-error status code",
         "17000000 unrecognized status code value", "80000000 integer is not a status code"}) {
     const StatusCode code = codeOf(static_cast<unsigned>(std::stoul(row, nullptr, 16)));
