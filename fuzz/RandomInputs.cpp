@@ -19,48 +19,28 @@ constexpr const char* kUsualSeed = "1";
 constexpr std::size_t kLineBuffers[] = {1024, 4096, 8000};
 
 // What is being checked, and the file for it if it ends the program; read by the signal handler.
-std::string current_input;
-std::string current_name;
-std::string found_path;
+std::string current_input, current_name, found_path;
 
-// Calls only what a signal handler may.
-void writeOut(int descriptor, std::string_view text) {
-  while (!text.empty()) {
-    const ssize_t count = write(descriptor, text.data(), text.size());
-    if (count <= 0) return;
-    text.remove_prefix(static_cast<std::size_t>(count));
-  }
-}
-
-// Shows the input that ends the program, and keeps it as a file for the corpus.
-extern "C" void showInput(int) {
-  constexpr std::string_view kDigits = "0123456789abcdef";
-  constexpr std::size_t kShown = 4000;
-  writeOut(STDERR_FILENO, current_name);
-  for (const char byte : std::string_view(current_input).substr(0, kShown)) {
-    const auto value = static_cast<unsigned char>(byte);
-    const char escaped[] = {'\\', 'x', kDigits[value / 16], kDigits[value % 16]};
-    const bool plain = value >= ' ' && value < 0x7f && value != '\\';
-    writeOut(STDERR_FILENO, plain ? std::string_view(&byte, 1) : std::string_view(escaped, 4));
-  }
-  writeOut(STDERR_FILENO, current_input.size() > kShown ? " and more; all is in " : "\nit is in ");
-  writeOut(STDERR_FILENO, found_path);
-  writeOut(STDERR_FILENO, "\n");
+// Keeps the input that ends the program as a file for the corpus; calls only what a signal handler
+// may. What cannot be written is lost.
+extern "C" void keepInput(int) {
   const int file = open(found_path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
-  writeOut(file, current_input);
+  (void)!write(file, current_input.data(), current_input.size());
+  for (const std::string* text : {&current_name, &found_path})
+    (void)!write(STDERR_FILENO, text->data(), text->size());
 }
 
-// Any end by a signal shows the input first; then the signal does what it does by default.
+// Any end by a signal keeps the input first; then the signal does what it does by default.
 void watchForEnds() {
   struct sigaction action = {};
-  action.sa_handler = &showInput;
+  action.sa_handler = &keepInput;
   action.sa_flags = static_cast<int>(SA_RESETHAND);
   for (const int number : {SIGABRT, SIGSEGV, SIGBUS, SIGFPE, SIGILL})
     (void)sigaction(number, &action, nullptr);  // without it, an end shows less
 }
 
 void check(const std::string& name, const std::string& input) {
-  current_name = name + ": ";
+  current_name = name + ": the input is in ";
   current_input = input;
   tunadm::checkInput(input);
 }

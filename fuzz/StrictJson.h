@@ -1,7 +1,11 @@
 // A strict reader of JSON texts (RFC 8259), for what other programs must be able to read.
 #pragma once
 
+#include <algorithm>
+#include <clocale>
 #include <cstddef>
+#include <cstring>
+#include <cwchar>
 #include <string_view>
 
 namespace tunadm {
@@ -11,9 +15,17 @@ class StrictJson {
   explicit StrictJson(std::string_view text) : rest_(text) {}
 
   // Whether the text is one value, in UTF-8.
-  bool isWhole() { return value() && rest_.empty(); }
+  bool isWhole() { return isUtf8() && value() && rest_.empty(); }
 
  private:
+  // No value ends within a character, so what a character is missing shows in what follows it.
+  bool isUtf8() const {
+    (void)std::setlocale(LC_CTYPE, "C.UTF-8");
+    std::mbstate_t state = {};
+    const char* text = rest_.data();
+    return mbsnrtowcs(nullptr, &text, rest_.size(), 0, &state) != static_cast<std::size_t>(-1);
+  }
+
   unsigned char next() const { return rest_.empty() ? 0 : static_cast<unsigned char>(rest_[0]); }
 
   bool take(std::string_view word) {
@@ -23,19 +35,17 @@ class StrictJson {
   }
 
   bool value() {
-    if (next() == '{') return members('}', true);
-    if (next() == '[') return members(']', false);
+    if (take("{")) return members("}", true);
+    if (take("[")) return members("]", false);
     return next() == '"' ? string() : take("true") || take("false") || take("null") || integer();
   }
 
-  bool members(char end, bool named) {
-    rest_.remove_prefix(1);
-    if (next() == end) return take({&end, 1});
+  bool members(std::string_view end, bool named) {
+    if (take(end)) return true;
     do {
-      if (named && !(string() && take(":"))) return false;
-      if (!value()) return false;
+      if ((named && !(string() && take(":"))) || !value()) return false;
     } while (take(","));
-    return take({&end, 1});
+    return take(end);
   }
 
   // The program writes no other numbers.
@@ -49,39 +59,15 @@ class StrictJson {
 
   bool string() {
     if (!take("\"")) return false;
-    while (next() != '"') {
-      if (next() < 0x20 || !(next() == '\\' ? escape() : character())) return false;
+    while (!take("\"")) {
+      const bool escape = take("\\"), digits = escape && take("u");
+      if (next() < 0x20 || (escape && !digits && std::strchr("\"\\/bfnrt", next()) == nullptr))
+        return false;
+      if (digits && (rest_.size() < 4 || rest_.find_first_not_of("0123456789abcdefABCDEF") < 4))
+        return false;
+      rest_.remove_prefix(digits ? 4 : 1);
     }
-    return take("\"");
-  }
-
-  bool escape() {
-    rest_.remove_prefix(1);
-    if (!take("u")) {
-      const bool known = std::string_view("\"\\/bfnrt").find(rest_.substr(0, 1)) != rest_.npos;
-      rest_.remove_prefix(rest_.empty() ? 0 : 1);
-      return known;
-    }
-    const std::size_t digits = rest_.substr(0, 4).find_first_not_of("0123456789abcdefABCDEF");
-    if (digits != rest_.npos || rest_.size() < 4) return false;
-    rest_.remove_prefix(4);
     return true;
-  }
-
-  bool character() {
-    const unsigned char first = next();
-    rest_.remove_prefix(1);
-    if (first < 0x80) return true;
-    const int more = first >= 0xf0 ? 3 : first >= 0xe0 ? 2 : 1;
-    if (first < 0xc0 || first >= 0xf8) return false;
-    unsigned code = first & (0x3fu >> more);
-    for (int i = 0; i < more; ++i) {
-      if ((next() & 0xc0) != 0x80) return false;
-      code = code << 6 | (next() & 0x3fu);
-      rest_.remove_prefix(1);
-    }
-    constexpr unsigned kLeast[] = {0, 0x80, 0x800, 0x10000};
-    return code >= kLeast[more] && code <= 0x10ffff && (code < 0xd800 || code > 0xdfff);
   }
 
   std::string_view rest_;
