@@ -407,9 +407,12 @@ TEST(UniqueFile, NameModeAndAttempts) {
   }
   EXPECT_TRUE(std::regex_match(name, std::regex("/tmp/unique\\.[a-zA-Z0-9]{6}"))) << name;
   expectFile(host, name, "text", 0644);
+  testing::internal::CaptureStderr();
   for (const std::string& path : {std::string(4088, 'x'), std::string(4089, 'x'), ""s})
     EXPECT_EQ(makeUniqueFile(path, &(name = "unchanged")), nullptr);
   EXPECT_EQ(name, "unchanged");
+  const std::string log = testing::internal::GetCapturedStderr();
+  EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 11) << log;  // only of the first
 }
 
 TEST(RemoveTree, RemovesAllAndFollowsNothing) {
