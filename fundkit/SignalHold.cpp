@@ -1,7 +1,7 @@
 #include "fundkit/SignalHold.h"
 
-// Failures need no look throughout: the arguments are constants, and signals whose effect cannot be
-// changed are passed over by the system.
+// Results are not checked: the arguments are constants, and the system ignores signals whose effect
+// cannot be changed.
 namespace tunadm {
 namespace {
 
@@ -18,15 +18,15 @@ thread_local sigset_t outermost_mask;
 
 SignalHold::SignalHold() {
   sigset_t held;
+  sigset_t before;
   sigfillset(&held);
   for (const int signal : kNotHeld) sigdelset(&held, signal);
-  pthread_sigmask(SIG_BLOCK, &held, &before_);
-  if (holds++ == 0) outermost_mask = before_;
+  pthread_sigmask(SIG_BLOCK, &held, &before);
+  if (holds++ == 0) outermost_mask = before;
 }
 
 SignalHold::~SignalHold() {
-  --holds;
-  pthread_sigmask(SIG_SETMASK, &before_, nullptr);
+  if (--holds == 0) pthread_sigmask(SIG_SETMASK, &outermost_mask, nullptr);
 }
 
 SignalRelease::SignalRelease() {

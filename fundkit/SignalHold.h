@@ -8,16 +8,13 @@ namespace tunadm {
 // Holds back, in this thread and as long as it lives, every signal that can come from outside and
 // ends or stops a process. One that arrives meanwhile takes effect at the end. Not held: SIGKILL
 // and SIGSTOP, which cannot be; SIGCHLD, which does nothing; and what the process raises itself by
-// a fault or abort(). May be nested.
+// a fault or abort(). Several may live at once; the signals are held until the last one ends.
 class SignalHold {
  public:
   SignalHold();
   SignalHold(const SignalHold&) = delete;
   SignalHold& operator=(const SignalHold&) = delete;
   ~SignalHold();
-
- private:
-  sigset_t before_;
 };
 
 // Within a SignalHold, lets through again, as long as it lives, the signals that end a process and

@@ -12,17 +12,19 @@ namespace tunadm {
 Status ServiceRestart::stop() {
   if (check_ == RootCheck::kYes && !isPrivileged()) return Status(kAuthRequired);
   selectSystem(system_);
+  hold_.emplace();
   keeper_.emplace();
   if (!keeper_->valid()) {
-    Status refused = withCommand(systemFailure(kForkFailed, "fork", ""), ServiceVerb::kStart);
     keeper_.reset();
-    return refused;
+    hold_.reset();
+    Status refused(kForkFailed);
+    return withCommand(refused.because("no process to start it again"), ServiceVerb::kStop);
   }
   start_is_due_ = true;
   Status stopped = runChild([this] {
     keeper_->outlastThisChild();
-    // A Ctrl-Z that stopped this child would leave this process waiting with the lock held.
-    std::signal(SIGTSTP, SIG_IGN);
+    // A child that the terminal stopped would leave this process waiting with the lock held.
+    for (const int signal : {SIGTSTP, SIGTTIN, SIGTTOU}) std::signal(signal, SIG_IGN);
     currentSystem().stop();
   });
   return withCommand(stopped, ServiceVerb::kStop);
@@ -32,6 +34,8 @@ Status ServiceRestart::finish(Status changed) {
   if (!start_is_due_) return changed;
   Status started =
       keeper_ ? withCommand(keeper_->start(), ServiceVerb::kStart) : startService(system_, check_);
+  keeper_.reset();
+  hold_.reset();
   return changed.ok() ? started : changed;
 }
 

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "core/Status.h"
+#include "fundkit/SignalHold.h"
 #include "service/ServiceControl.h"
 #include "service/StartKeeper.h"
 
@@ -38,7 +39,10 @@ class ServiceRestart {
   std::string system_;
   RootCheck check_;
   bool start_is_due_ = false;
-  std::optional<StartKeeper> keeper_;  // there is one while the service may be stopped
+  // Both exist while the service may be stopped. The keeper waits for this process to go on or to
+  // end, so it must not be suspended.
+  std::optional<SignalHold> hold_;
+  std::optional<StartKeeper> keeper_;
 };
 
 }  // namespace tunadm
