@@ -43,7 +43,7 @@ Status writeSettings(std::string_view dir_name, std::string_view file_name,
 // host refuses a.b.254.169 and takes 169.254.c.d. A big-endian host does the opposite.
 bool isLinkLocal(const sockaddr* address) {
   sockaddr_in ipv4;
-  std::memcpy(&ipv4, address, sizeof ipv4);
+  std::memcpy(&ipv4, address, sizeof(ipv4));
   const std::uint32_t stored = ipv4.sin_addr.s_addr;
   return (stored & 0xFFFF0000u) == 0xA9FE0000u;
 }

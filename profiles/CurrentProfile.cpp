@@ -39,7 +39,10 @@ ProfileIdentity identityOf(const std::string& dir_name) {
 Status chooseCurrentProfile() {
   ProfileList profiles;
   if (Status listed = listStore(&profiles); !listed.ok()) return listed;
-  return profiles.empty() ? Status(kProfileNotFound) : writeMarker(profiles.front().dir_name);
+  for (const ProfileRef& profile : profiles) {
+    if (isMarkerName(profile.dir_name)) return writeMarker(profile.dir_name);
+  }
+  return Status(kProfileNotFound);
 }
 
 bool isUsable(const ProfileIdentity& identity) {
@@ -51,6 +54,11 @@ bool isUsable(const ProfileIdentity& identity) {
 ProfileIdentity lookUpCurrentProfile() {
   std::string dir_name;
   return readMarker(&dir_name) == LineRead::kRead ? identityOf(dir_name) : ProfileIdentity();
+}
+
+bool isMarkerUnreadable() {
+  std::string dir_name;
+  return readMarker(&dir_name) == LineRead::kError;
 }
 
 TriState isCurrentProfile(const ProfileRef& profile, const ProfileIdentity& current) {
@@ -104,9 +112,8 @@ Status setCurrentAfterStop(const ProfileRef& profile, const Status& stopped,
   if (Status written = writeMarker(profile.dir_name); !written.ok()) return written;
   if (!stopped.ok() && before.dir_name != profile.dir_name &&
       isDaemonRunning(profileFile(before.dir_name, kStatusFile)) == TriState::kYes) {
-    TUNADM_LOG(
-        programLogger(), kLogWarning, sourceFileName(__FILE__), "setCurrentAfterStop",
-        "the daemon was not stopped and still runs with another profile than the current one")
+    TUNADM_LOG(programLogger(), kLogWarning, sourceFileName(__FILE__), "setCurrentAfterStop",
+               "the daemon was not stopped and is still reported as running with another profile")
         .detail("running with = %s", before.profile_name.c_str())
         .detail("current = %s", profile.profile_name.c_str());
   }

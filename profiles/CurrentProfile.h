@@ -25,6 +25,10 @@ struct ProfileIdentity {
 // directory that does not exist, or no longer does, is what the marker names all the same.
 ProfileIdentity lookUpCurrentProfile();
 
+// True when the marker is there, but an error keeps it from being read: it is not known then which
+// profile is current, and lookUpCurrentProfile finds none.
+[[nodiscard]] bool isMarkerUnreadable();
+
 // Whether `profile` is the current one; unknown when there is none.
 [[nodiscard]] TriState isCurrentProfile(const ProfileRef& profile, const ProfileIdentity& current);
 

@@ -52,6 +52,7 @@ Status deleteProfile(std::string_view selector) {
   if (!found.ok()) return found;
   if (profile.dir_name == kFactoryName) return Status(kInvalidArgument);
   if (found.code() == kProfileRunning) return Status(kRefusedWhileRunning);
+  if (Status known = store.knowsCurrent(); !known.ok()) return known;
   if (Status removed = removeDirectory(profile); !removed.ok()) return removed;
   keepACurrentProfile();
   return Status(kSuccess);

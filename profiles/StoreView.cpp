@@ -1,5 +1,6 @@
 #include "profiles/StoreView.h"
 
+#include "fundkit/SystemFailure.h"
 #include "profiles/ProfileList.h"
 #include "profiles/ProfilePaths.h"
 
@@ -14,6 +15,11 @@ Status StoreView::profiles(const ProfileList** profiles) {
   if (!listed_) listed_ = listStore(&profiles_);
   *profiles = &profiles_;
   return *listed_;
+}
+
+Status StoreView::knowsCurrent() {
+  if (current().valid || !isMarkerUnreadable()) return Status(kSuccess);
+  return systemFailure(kApplicationError, "read", currentMarkerPath());
 }
 
 TriState StoreView::daemon() {

@@ -17,6 +17,9 @@ class StoreView {
  public:
   const ProfileIdentity& current();
 
+  // kApplicationError when an error keeps the marker from being read: any profile may be running.
+  Status knowsCurrent();
+
   // Makes `profiles` point to the profiles as listStore lists them, and fails as that does.
   Status profiles(const ProfileList** profiles);
 

@@ -30,6 +30,7 @@ Status clearState(const ProfileRef& profile, StoreView* store) {
   if (store->isCurrent(profile) && store->daemon() == TriState::kYes) {
     return Status(kRefusedWhileRunning);
   }
+  if (Status known = store->knowsCurrent(); !known.ok()) return known;
   removeStateFiles(profile);
   return Status(kSuccess);
 }

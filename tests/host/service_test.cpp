@@ -205,8 +205,8 @@ TEST(Activate, CallsByProfileAndDaemon) {
   const Outcome unstopped = host.run("/usr/sbin/tunadm profile activate two");
   EXPECT_EQ(unstopped.out, kSignalled);
   EXPECT_TRUE(unstopped.err.starts_with(
-      "W~ tunadm CurrentProfile.cpp setCurrentAfterStop: the daemon was not stopped and still "
-      "runs with another profile than the current one; running with = one; current = two\n"));
+      "W~ tunadm CurrentProfile.cpp setCurrentAfterStop: the daemon was not stopped and is "
+      "still reported as running with another profile; running with = one; current = two\n"));
   EXPECT_TRUE(unstopped.err.ends_with("/bin/systemctl stop quenlay: signal 9\n"));
   EXPECT_EQ(host.read(".current"), "two\n");
   host.block(".current");
