@@ -19,12 +19,6 @@ constexpr mode_t kNewFileMode = 0644;
 constexpr mode_t kPermissionBits = 0777;
 constexpr mode_t kGroupBits = 0070;
 
-mode_t callersUmask() {
-  const mode_t mask = umask(0);
-  umask(mask);  // it can be read only by setting it
-  return mask;
-}
-
 // These belong to the content: a signature of the old one would lock the new one out.
 bool describesContent(std::string_view attribute) {
   constexpr std::string_view kOfContent[] = {"security.ima", "security.evm", "security.capability"};
@@ -69,6 +63,12 @@ bool keepOwners(int file, const struct stat& replaced) {
 }
 
 }  // namespace
+
+mode_t callersUmask() {
+  const mode_t mask = umask(0);
+  umask(mask);  // it can be read only by setting it
+  return mask;
+}
 
 bool takeOverAttributes(int file, int replaced, std::optional<mode_t> mode) {
   mode_t bits = kNewFileMode;

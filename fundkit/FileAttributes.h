@@ -12,4 +12,7 @@ namespace tunadm {
 // the permission bits. False when the bits cannot be set.
 [[nodiscard]] bool takeOverAttributes(int file, int replaced, std::optional<mode_t> mode);
 
+// The bits that new files of this process lack.
+[[nodiscard]] mode_t callersUmask();
+
 }  // namespace tunadm

@@ -108,7 +108,7 @@ Status rewriteFile(const std::string& path,
   if (path.empty()) return Status(kInvalidArgument);
   const ScopedFd file = openRegularFile(path);
   if (!file.valid() && errno == 0) return systemFailure(kReadFailed, "open", path);
-  if (!file.valid() && !isMissing(path)) return systemFailure(kOpenFailed, "open", path);
+  if (!file.valid() && errno != ENOENT) return systemFailure(kOpenFailed, "open", path);
   std::string old;
   if (file.valid() && !readAll(file.get(), kLargestFile, &old)) {
     return systemFailure(kReadFailed, "read", path);

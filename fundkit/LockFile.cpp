@@ -4,6 +4,7 @@
 #include <poll.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -79,16 +80,21 @@ LockState pollForLock(int file) {
   return state;
 }
 
-// The process that a line of /proc/locks shows as holding a flock on the file of this inode number;
-// 0 for other lines. Such a line is "1: FLOCK  ADVISORY  WRITE 4711 08:01:5678 0 EOF"; that of one
-// who waits has "->" after its number.
-long holderInLine(const char* line, unsigned long long inode) {
+// The process that a line of /proc/locks shows as holding a flock on this file; 0 for other lines.
+// Such a line is "1: FLOCK  ADVISORY  WRITE 4711 08:01:5678 0 EOF"; the line of a waiting process
+// has
+// "->" after its number.
+long holderInLine(const char* line, const struct stat& file) {
   char kind[16] = {};
   long process = 0;
-  unsigned long long found = 0;
+  unsigned device_major = 0;
+  unsigned device_minor = 0;
+  unsigned long long inode = 0;
   // NOLINTNEXTLINE(cert-err34-c): the kernel's numbers fit.
-  const int fields = std::sscanf(line, "%*s %15s %*s %*s %ld %*x:%*x:%llu", kind, &process, &found);
-  const bool held = fields == 3 && std::strcmp(kind, "FLOCK") == 0 && found == inode;
+  const int fields = std::sscanf(line, "%*s %15s %*s %*s %ld %x:%x:%llu", kind, &process,
+                                 &device_major, &device_minor, &inode);
+  const bool held = fields == 5 && std::strcmp(kind, "FLOCK") == 0 && inode == file.st_ino &&
+                    device_major == major(file.st_dev) && device_minor == minor(file.st_dev);
   return held && process > 0 ? process : 0;
 }
 
@@ -98,8 +104,10 @@ long lockHolder(int file) {
   std::string table;
   const ScopedFd locks = openDescriptor("/proc/locks", O_RDONLY);
   if (fstat(file, &found) != 0 || !readAll(locks.get(), kLargestTable, &table)) return 0;
-  for (std::size_t start = 0; start < table.size(); start = table.find('\n', start) + 1) {
-    if (const long holder = holderInLine(&table[start], found.st_ino); holder != 0) return holder;
+  std::size_t start = 0;
+  for (std::size_t end = table.find('\n'); end != table.npos; end = table.find('\n', start)) {
+    if (const long holder = holderInLine(&table[start], found); holder != 0) return holder;
+    start = end + 1;
   }
   return 0;
 }

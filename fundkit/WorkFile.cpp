@@ -92,7 +92,8 @@ Status WorkFile::writeInPlace() const {
     return refusal_;
   }
   // The mode comes first: the new text must not be readable by more users than it is to be.
-  const bool written = (!mode_ || makeMode(file.get(), *mode_)) &&
+  const mode_t mode = mode_ ? *mode_ : found.st_mode & kPermissionBits & ~callersUmask();
+  const bool written = (makeMode(file.get(), mode) || !mode_) &&
                        replaceContent(file.get(), text_, Flush::kYes) && file.close() == 0;
   return written ? Status(kSuccess) : systemFailure(kWriteFailed, "write", path_);
 }
