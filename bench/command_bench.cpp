@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "cli/Catalogue.h"
+#include "cli/CommandLookup.h"
 #include "core/CommandCore.h"
 #include "json/JsonValue.h"
 #include "json/ScopedJson.h"
