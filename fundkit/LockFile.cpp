@@ -81,9 +81,8 @@ LockState pollForLock(int file) {
 }
 
 // The process that a line of /proc/locks shows as holding a flock on this file; 0 for other lines.
-// Such a line is "1: FLOCK  ADVISORY  WRITE 4711 08:01:5678 0 EOF"; the line of a waiting process
-// has
-// "->" after its number.
+// Such a line is "1: FLOCK  ADVISORY  WRITE 4711 08:01:5678 0 EOF"; the line of a process that
+// waits has "->" after its number.
 long holderInLine(const char* line, const struct stat& file) {
   char kind[16] = {};
   long process = 0;

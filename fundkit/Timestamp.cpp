@@ -55,11 +55,11 @@ std::string formatTimestamp(TimePoint time, bool with_fraction, char separator) 
 
 TimePoint parseTimestamp(const std::string& text) {
   tm date{};
+  constexpr const char* kFormat = "%04d-%02d-%02dT%02d:%02d:%02d";
   // The widths keep every number within four characters, so none can overflow unnoticed.
   // NOLINTNEXTLINE(cert-err34-c): see above.
-  const int fields =
-      std::sscanf(text.c_str(), "%04d-%02d-%02dT%02d:%02d:%02d", &date.tm_year, &date.tm_mon,
-                  &date.tm_mday, &date.tm_hour, &date.tm_min, &date.tm_sec);
+  const int fields = std::sscanf(text.c_str(), kFormat, &date.tm_year, &date.tm_mon, &date.tm_mday,
+                                 &date.tm_hour, &date.tm_min, &date.tm_sec);
   if (fields != 6) return 0;
   date.tm_year -= 1900;
   date.tm_mon -= 1;
