@@ -77,9 +77,11 @@ TEST(JsonScanner, StringsOfAllLengths) {
   for (int length = 0; length < 40; ++length) {
     const std::string piece = repeated("\xa2", length);  // a quote but for its high bit
     for (const auto& [escape, byte] : {Pair{"", ""}, {R"(\")", "\""}, {R"(\\)", "\\"}}) {
-      const std::string text = "[\"" + piece + escape + piece + R"(","\"",11111111111111111])";
+      std::string text = "[\"";
+      text.append(piece).append(escape).append(piece).append(R"(","\"",11111111111111111])");
       const ScopedJson array(parseJson(text.c_str(), -1));
-      EXPECT_EQ(stringView(arrayAt(array.get(), 0)), piece + byte + piece) << text;
+      std::string expected = piece;
+      EXPECT_EQ(stringView(arrayAt(array.get(), 0)), expected.append(byte).append(piece)) << text;
       EXPECT_EQ(arraySize(array.get()), 3u) << text;
     }
     EXPECT_EQ(parsed('"' + piece + R"(\")"), "none") << length;
