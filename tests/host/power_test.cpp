@@ -17,8 +17,8 @@ constexpr const char* kMountedCopy = "/after-the-cut";
 
 // False where there is no loop device to be had.
 bool mountImage(const TestHost& host, const char* image, const char* place, const char* options) {
-  return host.run(std::string("/usr/bin/mount -o loop,") + options + " " + image + " " + place).exit ==
-         0;
+  return host.run(std::string("/usr/bin/mount -o loop,") + options + " " + image + " " + place)
+             .exit == 0;
 }
 
 // Type, mode and content of each entry, by its path below `root`.
