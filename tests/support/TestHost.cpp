@@ -166,6 +166,9 @@ std::string failure(const std::string& text, const std::string& code) {
 // The tests remove and replace what lies at the program's real paths, so only a marked host will
 // do. Elsewhere their names can be listed.
 int main(int argc, char** argv) {
+  // A shell's background job ignores some of them, and so would the programs that are run.
+  for (const int number : {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGTSTP, SIGPIPE})
+    std::signal(number, SIG_DFL);
   testing::InitGoogleTest(&argc, argv);
   if (!testing::GTEST_FLAG(list_tests) && access("/.throwaway-host", F_OK) != 0) {
     fputs("These tests change the host that they run in: start them by scripts/throwaway-host.\n",
