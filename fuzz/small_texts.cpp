@@ -34,7 +34,8 @@ static LogLevel expectedLevel(std::string text) {
 }
 
 void checkInput(const std::string& text) {
-  require(parseLevel(text) == expectedLevel(text.c_str()), "the level");
+  const std::string until_nul = text.substr(0, text.find('\0'));
+  require(parseLevel(text) == expectedLevel(until_nul), "the level");
   TimePoint time = parseTimestamp(text);
   std::memcpy(&time, text.data(), std::min(text.size(), sizeof(time)));
   for (const Duration duration : {time, parseDuration(text.c_str())}) {
