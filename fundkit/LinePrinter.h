@@ -9,7 +9,7 @@ namespace tunadm {
 
 // Collects lines for a descriptor and writes them in large pieces, the last one on destruction.
 // After a failed write nothing more is written, so that the output never has a hole; the failure is
-// logged, unless it only means that nobody reads on (EPIPE).
+// logged, unless it only means that the reader has gone (EPIPE).
 class LinePrinter {
  public:
   // `descriptor` remains the caller's, who keeps it open as long as the printer lives.

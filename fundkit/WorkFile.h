@@ -51,7 +51,7 @@ class WorkFile {
   ScopedFd file_;
   bool work_exists_ = false;
   bool in_place_ = false;
-  Status refusal_{kSuccess};  // what there was against a work file
+  Status refusal_{kSuccess};  // why there could be no work file
 };
 
 }  // namespace tunadm

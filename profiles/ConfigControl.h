@@ -3,8 +3,8 @@
 //
 // The files are the daemon's. Rewriting keeps every line that is not owned, byte for byte, and
 // replaces the file as a whole (work file and move), so that it is the old or the new one at every
-// instant. A missing file is created by it; one that cannot be read is left alone. Callers hold the
-// profile lock while they write.
+// instant. Rewriting creates a missing file; one that cannot be read is left alone. Callers hold
+// the profile lock while they write.
 #pragma once
 
 #include <ifaddrs.h>
@@ -49,7 +49,8 @@ Status writeLogLevel(std::string_view dir_name, std::string_view level);
 Status writeNewHelmsmanAddress(std::string_view dir_name, std::string_view host, int port);
 
 // Makes "host:port" the only line of `mapconfig.static`; the file keeps its mode. Fails with
-// kApplicationError when it cannot be opened, kWriteFailed when it cannot be written.
+// kApplicationError when it cannot be opened, kWriteFailed when it cannot be written, kRenameFailed
+// when it cannot be replaced.
 Status replaceHelmsmanAddress(std::string_view dir_name, std::string_view host, int port);
 
 // Removes the lines of `file_name` that begin with `prefix`.

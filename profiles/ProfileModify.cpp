@@ -117,7 +117,7 @@ Status modify(std::string_view selector, const ModifyRequest& request, ServiceRe
   return applyChanges(request, Daemon::kMayRun, profile);
 }
 
-// Everybody is told when there is no such profile for sure. An ordinary user cannot read the
+// Every caller is told when there certainly is no such profile. An ordinary user cannot read the
 // friendly names, which leaves that open.
 Status refuseOrdinaryUser(std::string_view selector) {
   StoreView store;

@@ -23,7 +23,7 @@ class LogLines {
   std::span<char> room();
 
   // Puts `line` before all others. It holds no line feed, and lies in the room that was handed out
-  // last, so far from its end that the line and a line feed fit behind its first byte.
+  // last, so far from its end that the line and a line feed fit after its first byte.
   void addBefore(std::string_view line);
 
   std::size_t count() const { return count_; }

@@ -10,7 +10,8 @@ namespace tunadm {
 
 // Made before the service is stopped. The keeper is a child process that waits until it is told to
 // go on or this process is gone, and then starts the service through the adapter that was installed
-// when it was made. So the start is lost only if both are killed.
+// when it was made. So the start is lost only if both are
+// killed, or the start itself is.
 //
 // The keeper has a session of its own, so that what is sent to this process's group or typed at its
 // terminal does not reach it. It starts the service with default signals, this process's umask and

@@ -19,7 +19,7 @@ void recordCall(char** arguments) {
   calls << '\n';
 }
 
-// An order that cannot be read is no success.
+// An order that cannot be read is not a success.
 int endAsOrdered() {
   constexpr const char* path = "/tmp/stand-in-end";
   std::ifstream orders(path);
