@@ -12,7 +12,7 @@
 namespace tunadm {
 namespace {
 
-constexpr std::size_t kReadChunk = 16384;
+constexpr std::size_t kReadChunk = 4096;
 constexpr std::size_t kLargestLine = std::size_t{1} << 20;
 constexpr std::size_t kLargestFile = std::size_t{64} << 20;
 constexpr std::string_view kLineEnds("\n\0", 2);

@@ -1,8 +1,5 @@
 #include "profiles/ProfileList.h"
 
-#include <iterator>
-#include <utility>
-
 #include "core/Privilege.h"
 #include "fundkit/BasicLog.h"
 #include "profiles/ProfileLock.h"
@@ -44,8 +41,7 @@ Status listStore(ProfileList* list) {
     sayWhoReadsNames(read);
     return Status(kApplicationError);
   }
-  ProfileList sorted = scan.takeSorted();
-  std::move(sorted.begin(), sorted.end(), std::back_inserter(*list));
+  scan.takeSorted(list);
   return Status(kSuccess);
 }
 

@@ -2,10 +2,9 @@
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <sys/types.h>
+#include <sys/stat.h>
 
 #include <algorithm>
-#include <iterator>
 #include <utility>
 
 #include "fundkit/DescriptorIo.h"
@@ -17,48 +16,55 @@
 namespace tunadm {
 namespace {
 
-bool byName(const ProfileRef& left, const ProfileRef& right) {
-  return left.profile_name < right.profile_name;
+// How many subdirectories there may be: on most file systems each has a link to its parent.
+std::size_t countLinks(int directory) {
+  struct stat found {};
+  return fstat(directory, &found) == 0 ? found.st_nlink : 0;
 }
 
 }  // namespace
 
 Status StoreScan::read() {
   profiles_.clear();
+  by_name_.clear();
   others_.clear();
   DirectoryStream store(openDescriptor(std::string(kProfilesRoot), O_RDONLY | O_DIRECTORY));
   if (!store.valid()) return systemFailure(kOpendirFailed, "open", kProfilesRoot);
+  profiles_.reserve(countLinks(store.descriptor()));
+  std::string path;
   while (const dirent* entry = store.next()) {
     std::string name = entry->d_name;
     if (name.front() == '.' || store.kindOf(*entry) != DT_DIR) {
       others_.push_back(std::move(name));
-    } else {
-      profiles_.push_back({std::move(name), ""});
+      continue;
     }
-  }
-  if (store.failed()) return systemFailure(kOpendirFailed, "read", kProfilesRoot);
-  return readNames(store.descriptor());
-}
-
-Status StoreScan::readNames(int store) {
-  std::string path;
-  for (ProfileRef& profile : profiles_) {
+    // Right away, while the kernel's memory of the directory is in the processor's cache.
+    profiles_.push_back({std::move(name), ""});
+    ProfileRef& profile = profiles_.back();
     path.assign(profile.dir_name).append("/").append(kNameFile);
-    if (readFirstLine(store, path.c_str(), &profile.profile_name) == LineRead::kError) {
+    if (readFirstLine(store.descriptor(), path.c_str(), &profile.profile_name) ==
+        LineRead::kError) {
       return systemFailure(kReadFailed, "read", profileFile(profile.dir_name, kNameFile));
     }
   }
-  return Status(kSuccess);
+  return store.failed() ? systemFailure(kOpendirFailed, "read", kProfilesRoot) : Status(kSuccess);
 }
 
-bool StoreScan::sound() const {
-  std::unordered_set<std::string_view> names;
-  return std::all_of(profiles_.begin(), profiles_.end(), [&names](const ProfileRef& profile) {
-    return !profile.profile_name.empty() && names.insert(profile.profile_name).second;
-  });
+void StoreScan::sortByName() {
+  by_name_.clear();
+  by_name_.reserve(profiles_.size());
+  for (ProfileRef& profile : profiles_) by_name_.push_back(&profile);
+  std::ranges::sort(by_name_, {}, &ProfileRef::profile_name);
+}
+
+bool StoreScan::sound() {
+  sortByName();
+  return (by_name_.empty() || !by_name_.front()->profile_name.empty()) &&
+         std::ranges::adjacent_find(by_name_, {}, &ProfileRef::profile_name) == by_name_.end();
 }
 
 Status StoreScan::repair() {
+  by_name_.clear();
   TakenNames taken;
   std::vector<ProfileRef*> duplicates;
   std::vector<ProfileRef*> unnamed;
@@ -95,9 +101,10 @@ TakenNames StoreScan::takenNames() const {
   return taken;
 }
 
-ProfileList StoreScan::takeSorted() {
-  std::stable_sort(profiles_.begin(), profiles_.end(), byName);
-  return std::move(profiles_);
+void StoreScan::takeSorted(ProfileList* list) {
+  if (by_name_.empty()) sortByName();
+  list->reserve(list->size() + by_name_.size());
+  for (ProfileRef* profile : by_name_) list->push_back(std::move(*profile));
 }
 
 }  // namespace tunadm

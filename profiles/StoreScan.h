@@ -22,7 +22,7 @@ class StoreScan {
   Status read();
 
   // True when every profile has a friendly name that no other has.
-  [[nodiscard]] bool sound() const;
+  [[nodiscard]] bool sound();
 
   // Gives a unique name, on disk, to each profile that has none or shares it with one before it in
   // the order of the directory. The caller holds the profile lock, and has read under it. Fails
@@ -35,15 +35,16 @@ class StoreScan {
   // The friendly names of a sound store.
   TakenNames takenNames() const;
 
-  // Moves the profiles out, sorted by friendly name (bytewise).
-  ProfileList takeSorted();
+  // Moves the profiles to the end of `list`, sorted by friendly name (bytewise).
+  void takeSorted(ProfileList* list);
 
  private:
-  Status readNames(int store);
+  void sortByName();
 
   // In the order of the directory. The name is empty where there is none.
   ProfileList profiles_;
-  std::vector<std::string> others_;  // entries that are not profiles
+  std::vector<ProfileRef*> by_name_;  // the same; empty until it is needed
+  std::vector<std::string> others_;   // entries that are not profiles
 };
 
 }  // namespace tunadm
