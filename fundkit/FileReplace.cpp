@@ -16,7 +16,6 @@ namespace tunadm {
 namespace {
 
 constexpr mode_t kLinesMode = 0640;
-constexpr mode_t kNewFileMode = 0666;
 constexpr std::size_t kLargestFile = std::size_t{64} << 20;
 
 std::string directoryOf(const std::string& path) {
@@ -114,16 +113,6 @@ Status rewriteFile(const std::string& path,
     return systemFailure(kReadFailed, "read", path);
   }
   return replaceOpened(path, change(old), std::nullopt, file.get());
-}
-
-Status overwriteFile(const std::string& path, std::string_view text) {
-  if (path.empty()) return Status(kInvalidArgument);
-  ScopedFd file = openInPlace(path, O_CREAT, kNewFileMode);
-  if (!file.valid()) return systemFailure(kOpenFailed, "open", path);
-  if (!replaceContent(file.get(), text, Flush::kNo)) {
-    return systemFailure(kWriteFailed, "write", path);
-  }
-  return closeWritten(path, &file);
 }
 
 Status writeLines(const std::string& path, const std::vector<std::string>& lines) {

@@ -91,12 +91,9 @@ Status replaceFiles(std::span<const FileContent> files);
 Status rewriteFile(const std::string& path,
                    const std::function<std::string(std::string_view old)>& change);
 
-// Creates the file or replaces its content, in place, by `text`; an existing file keeps its mode,
-// and its content when nothing can be written. Errors: kOpenFailed, kWriteFailed.
-Status overwriteFile(const std::string& path, std::string_view text);
-
-// The same for each line, up to its first NUL byte, and a line feed; the mode is 0640 afterwards (a
-// failure to set it is ignored). Errors: kOpenFailed, kWriteFailed.
+// Creates the file or replaces its content, in place, by each line, up to its first NUL byte, and a
+// line feed. The mode is 0640 afterwards (a failure to set it is ignored). The old content is kept
+// when nothing can be written. Errors: kOpenFailed, kWriteFailed.
 Status writeLines(const std::string& path, const std::vector<std::string>& lines);
 
 // Makes the entries of a directory survive a power cut: what was created, moved or removed in it. A

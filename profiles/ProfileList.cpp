@@ -19,7 +19,7 @@ Status repairUnderLock(StoreScan* scan) {
 }
 
 void sayWhoReadsNames(const Status& refused) {
-  TUNADM_LOG(programLogger(), kLogWarning, sourceFileName(__FILE__), "enumerateProfiles",
+  TUNADM_LOG(programLogger(), kLogWarning, sourceFileName(__FILE__), "listStore",
              "the names of profiles can be read and repaired by root only")
       .detail("%s", refused.cause().c_str());
 }
@@ -44,7 +44,5 @@ Status listStore(ProfileList* list) {
   scan.takeSorted(list);
   return Status(kSuccess);
 }
-
-bool enumerateProfiles(ProfileList* list) { return listStore(list).ok(); }
 
 }  // namespace tunadm

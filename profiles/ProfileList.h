@@ -13,7 +13,4 @@ namespace tunadm {
 // written. The log tells an ordinary user whose names these are; the status has no cause then.
 Status listStore(ProfileList* list);
 
-// True when that succeeds.
-[[nodiscard]] bool enumerateProfiles(ProfileList* list);
-
 }  // namespace tunadm

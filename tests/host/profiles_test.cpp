@@ -13,7 +13,7 @@ using namespace std::literals;
 // "<directory>: <name>" for each profile.
 std::vector<std::string> enumerated() {
   ProfileList list;
-  EXPECT_TRUE(enumerateProfiles(&list));
+  EXPECT_TRUE(listStore(&list).ok());
   std::vector<std::string> lines;
   for (const auto& [dir_name, profile_name] : list)
     lines.emplace_back(dir_name).append(": ").append(profile_name);
@@ -32,7 +32,7 @@ TEST(ProfileList, RepairsNamesOnDisk) {
   host.profile("a", "office").profile("b", "office").profile("c", "profile").profile("d");
   host.file("e/profile_name", "\n");
   ProfileList first;
-  EXPECT_TRUE(enumerateProfiles(&first));
+  EXPECT_TRUE(listStore(&first).ok());
   std::map<std::string, std::string> names;  // which of two comes first is the file system's choice
   for (const auto& [dir_name, name] : first) {
     names[name] = dir_name;
@@ -104,7 +104,7 @@ TEST(ProfileList, WhatCannotBeReadIsNotReplaced) {
   TestHost host;
   host.profile("a", "office").file("b/profile_name", unreadable).profile("c");
   ProfileList list;
-  EXPECT_FALSE(enumerateProfiles(&list));
+  EXPECT_EQ(listStore(&list).code(), kApplicationError);
   EXPECT_EQ(host.read("b/profile_name"), unreadable);
   EXPECT_FALSE(host.exists("c/profile_name"));
   host.remove("b").file(".current", unreadable);

@@ -103,7 +103,7 @@ TEST(Service, OrdinaryUsersAreRefused) {
   const Outcome unsure = host.run("/usr/sbin/tunadm profile modify two", RunAs::kOrdinaryUser);
   EXPECT_EQ(unsure.out, kRefusedUser) << "who cannot read the names cannot know";
   EXPECT_TRUE(unsure.err.starts_with(
-      "W~ tunadm ProfileList.cpp enumerateProfiles: the names of profiles can be read and repaired "
+      "W~ tunadm ProfileList.cpp listStore: the names of profiles can be read and repaired "
       "by root only; read /opt/vrx/profiles/"));
   EXPECT_TRUE(unsure.err.ends_with("/profile_name: Permission denied\n")) << unsure.err;
   EXPECT_FALSE(host.exists("/tmp/lock")) << "the lock directory is root's to make";

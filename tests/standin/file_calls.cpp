@@ -21,7 +21,7 @@ int main(int count, char** arguments) {
   const FileContent two[] = {{"/tmp/d/two", "x", 0640}, {"/tmp/e/three", "x", 0640}};
   std::string text;
   const bool done = replaceFile("/tmp/d/one", "x").ok() && replaceFiles(two).ok() &&
-                    overwriteFile("/tmp/fs/four", std::string(61000, 'x')).ok() &&
+                    writeLines("/tmp/fs/four", {std::string(61000, 'x')}).ok() &&
                     replaceFile("/tmp/fs/four", std::string(61000, 'y')).ok() &&
                     flushTree("/tmp/d").ok() &&
                     readFirstLine("/tmp/e/line", &text) == LineRead::kRead &&
