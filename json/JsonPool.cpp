@@ -1,5 +1,7 @@
 #include "json/JsonPool.h"
 
+#include <bit>
+
 namespace tunadm {
 namespace {
 
@@ -8,6 +10,23 @@ constexpr std::size_t kFirstChunk = std::size_t{4} * 1024;
 constexpr std::size_t kFurtherChunk = std::size_t{256} * 1024;
 
 }  // namespace
+
+#ifdef TUNADM_SANITIZED
+void* JsonPool::takeLarge(std::size_t size) { return ::operator new(size); }
+void JsonPool::giveLarge(void* memory, std::size_t /*size*/) { ::operator delete(memory); }
+#else
+// A block has the size of the next power of two, whose exponent is its place.
+void* JsonPool::takeLarge(std::size_t size) {
+  Block*& first = free_large_[std::bit_width(size - 1)];
+  if (first == nullptr) return ::operator new(std::bit_ceil(size));
+  return std::exchange(first, first->next);
+}
+
+void JsonPool::giveLarge(void* memory, std::size_t size) {
+  Block*& first = free_large_[std::bit_width(size - 1)];
+  first = new (memory) Block{first};
+}
+#endif
 
 void JsonPool::addChunk() {
   Chunk* chunk = unused_;

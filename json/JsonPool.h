@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstddef>
+#include <limits>
 #include <new>
 #include <utility>
 
@@ -10,13 +11,14 @@ namespace tunadm {
 
 // Allocates small blocks, which a tree needs by the million, in a few instructions each: from
 // blocks of the same size that were given back, or else from the end of a large chunk. When all
-// blocks have been given back, it starts again with its first chunk, so that the next tree is
-// contiguous. It returns no memory to the system. Only one thread may use it.
+// small blocks have been given back, it starts again with its first chunk, so that the next tree is
+// contiguous. Large blocks, of which a tree has few, are kept as well: fresh ones of the system
+// cost a page fault for every 4 KiB. It returns no memory to the system. Only one thread may use it.
 class JsonPool {
  public:
   // Returns at least `size` bytes, aligned for pointers and doubles.
   void* take(std::size_t size) {
-    if (size > kLargestBlock) return ::operator new(size);
+    if (size > kLargestBlock) return takeLarge(size);
     ++taken_;
     Block*& first = free_[place(size)];
     if (first == nullptr) return cut(place(size) * kGrain);
@@ -27,7 +29,7 @@ class JsonPool {
 
   // Takes back what take returned for the same size.
   void give(void* memory, std::size_t size) {
-    if (size > kLargestBlock) return ::operator delete(memory);
+    if (size > kLargestBlock) return giveLarge(memory, size);
     Block*& first = free_[place(size)];
     first = new (memory) Block{first};
     if (--taken_ == 0) startOver();
@@ -61,6 +63,8 @@ class JsonPool {
     return std::exchange(remainder_, remainder_ + block_size);
   }
 
+  void* takeLarge(std::size_t size);
+  void giveLarge(void* memory, std::size_t size);
   void addChunk();
   void startOver();
 
@@ -70,6 +74,7 @@ class JsonPool {
   std::size_t remainder_size_ = 0;
   Chunk* chunks_ = nullptr;  // in use, the newest one first
   Chunk* unused_ = nullptr;
+  std::array<Block*, std::numeric_limits<std::size_t>::digits + 1> free_large_ = {};
 };
 
 inline constinit JsonPool json_pool;

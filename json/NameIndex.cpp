@@ -36,7 +36,7 @@ void NameIndex::place(Slot slot) {
 }
 
 void NameIndex::grow() {
-  const std::vector<Slot> old = std::exchange(slots_, std::vector<Slot>(2 * slots_.size()));
+  const Slots old = std::exchange(slots_, Slots(2 * slots_.size()));
   for (const Slot& slot : old) {
     if (slot.used()) place(slot);
   }

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "json/JsonPool.h"
+
 namespace tunadm {
 
 // A hash table from names to the positions of their members. It holds no names: the caller compares
@@ -50,8 +52,10 @@ class NameIndex {
   void place(Slot slot);
   void grow();
 
+  using Slots = std::vector<Slot, JsonAllocator<Slot>>;
+
   // A power of two, at most four fifths of them used, so that a search soon meets an unused one.
-  std::vector<Slot> slots_ = std::vector<Slot>(64);
+  Slots slots_ = Slots(64);
   std::size_t used_ = 0;
 };
 
