@@ -57,6 +57,7 @@ bool LogSearch::load(off_t start, off_t end) {
   const std::span<char> window = room.subspan(room.size() - slack_ - length, length);
   window_ = {window.data(), window.size()};
   window_start_ = start;
+  window_has_nul_.reset();
   return log_.read(start, window);
 }
 
@@ -99,10 +100,16 @@ bool LogSearch::takeLine(std::string_view line) {
   return true;
 }
 
+bool LogSearch::windowHasNul() {
+  if (!window_has_nul_) window_has_nul_ = window_.find('\0') != window_.npos;
+  return *window_has_nul_;
+}
+
 // A NUL byte ends a piece.
 void LogSearch::take(std::string_view piece) {
   if (threshold_ > kLogTrace && parseLevel(piece) < threshold_) return;
-  const std::string_view text = trimGraphic(piece.substr(0, piece.find('\0')));
+  if (windowHasNul()) piece = piece.substr(0, piece.find('\0'));
+  const std::string_view text = trimGraphic(piece);
   if (!text.empty()) found_.addBefore(text);
 }
 

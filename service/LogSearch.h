@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstddef>
+#include <optional>
 #include <string_view>
 
 #include "fundkit/LogLevel.h"
@@ -35,6 +36,7 @@ class LogSearch {
   [[nodiscard]] bool loadBefore(off_t end);
   void takeLines();
   [[nodiscard]] bool takeLine(std::string_view line);
+  [[nodiscard]] bool windowHasNul();
   void take(std::string_view piece);
   [[nodiscard]] bool takeHugeLine();
 
@@ -44,11 +46,12 @@ class LogSearch {
   LogLines& found_;
   std::array<bool, 256> may_begin_;  // by first byte: mayBeginLevel for the threshold
 
-  off_t end_;                // what follows in the log has been looked at
-  off_t window_start_ = 0;   // the place of the window in the log
-  std::string_view window_;  // the part of the log that is in memory
-  std::size_t next_size_;    // of the window
-  std::size_t slack_ = 0;    // kept free between the window and the lines found
+  off_t end_;                           // what follows in the log has been looked at
+  off_t window_start_ = 0;              // the place of the window in the log
+  std::string_view window_;             // the part of the log that is in memory
+  std::optional<bool> window_has_nul_;  // not looked for where no line is wanted
+  std::size_t next_size_;               // of the window
+  std::size_t slack_ = 0;               // kept free between the window and the lines found
 };
 
 }  // namespace tunadm
