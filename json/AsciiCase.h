@@ -21,9 +21,4 @@ namespace tunadm {
   return true;
 }
 
-[[nodiscard]] constexpr bool startsWithIgnoringCase(std::string_view text,
-                                                    std::string_view prefix) {
-  return equalIgnoringCase(text.substr(0, prefix.size()), prefix);
-}
-
 }  // namespace tunadm

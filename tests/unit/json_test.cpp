@@ -45,9 +45,6 @@ TEST(AsciiCase, OnlyLettersOfAsciiHaveTwoForms) {
   EXPECT_TRUE(equalIgnoringCase("aZ@[`{\xc4", "Az@[`{\xc4"));
   for (const auto& [left, right] : {Pair{"@", "`"}, {"[", "{"}, {"\xc4", "\xe4"}, {"a", "ab"}})
     EXPECT_FALSE(equalIgnoringCase(left, right)) << left << right;
-  for (const auto& [text, prefix] : {Pair{"WARNing", "warn"}, {"warn", "WARN"}, {"", ""}})
-    EXPECT_TRUE(startsWithIgnoringCase(text, prefix)) << text;
-  for (const char* text : {"war", "awarn"}) EXPECT_FALSE(startsWithIgnoringCase(text, "warn"));
 }
 
 TEST(JsonScanner, TokensAsPrinted) {
