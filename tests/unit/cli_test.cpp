@@ -16,12 +16,6 @@ std::vector<std::string> split(const std::string& line) {
   return words;
 }
 
-std::string joined(const HelpLines& lines) {
-  std::string text;
-  for (const std::string& line : lines) text += line + "\n";
-  return text;
-}
-
 // How many words of the line name a command, which command, and its target.
 std::string lookedUp(const std::string& line) {
   std::vector<std::string> words = split(line);
@@ -86,7 +80,9 @@ TEST(CatalogueParams, Helmsman) {
 }
 
 TEST(Help, Pages) {
-  EXPECT_EQ(joined(helpPage(split("help service restart"))),
+  std::string page;
+  for (const std::string& line : helpPage(split("help service restart"))) page += line + "\n";
+  EXPECT_EQ(page,
             "\nNAME\nservice restart - Stops the vrx-hipd background process if it is running, and "
             "then starts it up again.\n\nUSAGE\nservice restart [sys=<sys-impl>] [full]\n\n"
             "PARAMETERS\nsys                 sys impl name\nfull                single word\n");

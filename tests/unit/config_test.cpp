@@ -4,7 +4,6 @@
 #include <netinet/in.h>
 
 #include <bit>
-#include <utility>
 
 #include "profiles/ConfigControl.h"
 #include "profiles/ConfigText.h"
@@ -12,8 +11,6 @@
 
 namespace tunadm {
 namespace {
-
-const std::string kNul(1, '\0');
 
 TEST(ConfigText, HelmsmanAddress) {
   expectRows(
@@ -29,26 +26,15 @@ TEST(ConfigText, HelmsmanAddress) {
       });
 }
 
-TEST(ConfigText, OtherSettings) {
-  const OverlaySettings settings = parseOverlaySettings(
-      "#device_ip=9.9.9.9\n\n \x01 device_ip=1.1.1.1\r\ndevice_ip=2.2.2.2 \nunknown=1\n"
-      "device_mask=255.0.0.0" +
-      kNul + "hidden\nactivation_code=  a\xc3\xa4z\xff\n");
-  EXPECT_EQ(settings.device_ip, "2.2.2.2");
-  EXPECT_EQ(settings.device_mask, "255.0.0.0");
-  EXPECT_EQ(settings.invitation, "a??z");
-}
-
 TEST(ConfigText, RewritingKeepsWhatItDoesNotOwn) {
   const std::string before(7990, 'x');
-  const std::pair<std::string, std::string> cases[] = {
-      {"a\r\n#k=1\n k=2\nb", "a\r\n#k=1\n k=2\nb\nk=v\nlong.k=v\n"},
-      {"k=1\r\nm\nk=2\n", "k=v\nm\nk=v\nlong.k=v\n"},
-      // A line that fills the buffer of 7,999 bytes goes on as a line of its own.
-      {before + "123456789k=1\n", before + "123456789k=v\nlong.k=v\n"},
-  };
-  const Setting settings[] = {{"k=", "v"}, {"long.k=", "v"}};
-  for (const auto& [text, expected] : cases) EXPECT_EQ(withSettings(text, settings), expected);
+  expectRows({"a\r\n#k=1\n k=2\nb -> a\r\n#k=1\n k=2\nb\nk=v\nlong.k=v\n",
+              "k=1\r\nm\nk=2\n -> k=v\nm\nk=v\nlong.k=v\n",
+              // A line that fills the buffer of 7,999 bytes goes on as a line of its own.
+              before + "123456789k=1\n -> " + before + "123456789k=v\nlong.k=v\n"},
+             [](const std::string& text) {
+               return withSettings(text, std::vector<Setting>{{"k=", "v"}, {"long.k=", "v"}});
+             });
   EXPECT_EQ(withoutLines("a=1\nb=2\r\na=3\n a=4\n#a=\na=", "a="), "b=2\r\n a=4\n#a=\n");
 }
 

@@ -1,5 +1,4 @@
 
-#include <cstdio>
 #include <sstream>
 #include <utility>
 
@@ -14,8 +13,6 @@
 
 namespace tunadm {
 namespace {
-
-using Lines = std::vector<std::string>;
 
 StatusCode codeOf(unsigned bits) { return static_cast<StatusCode>(bits); }
 
@@ -47,7 +44,7 @@ std::string bindWords(SampleCommand* command, const std::string& line, std::size
   std::istringstream words(line);
   for (std::string word; words >> word;) appendString(array.get(), std::string_view(word));
   const Status status = bindCommandWords(command, array.get(), naming);
-  EXPECT_EQ(status.code(), status.ok() ? 1 : 0x10000003);
+  EXPECT_EQ(status.code(), status.ok() ? 1 : 0x10000003) << line;
   return status.details();
 }
 
@@ -69,9 +66,10 @@ TEST(Binding, Words) {
   EXPECT_EQ(command.number.value(), 5);
   EXPECT_FALSE(command.text.presented());
   EXPECT_EQ(bindWords(&command, "text=first needed=b=c word text=last"), "");
-  EXPECT_EQ(command.text.value(), "last");
-  EXPECT_EQ(command.needed.value(), "b=c");
+  EXPECT_EQ(command.text.value() + " " + command.needed.value(), "last b=c");
   EXPECT_TRUE(command.word.present());
+  EXPECT_EQ(bindWords(&command, "word=<single-word-command-absent>"), "");
+  EXPECT_FALSE(command.word.present());
 }
 
 TEST(Binding, JsonValues) {
@@ -91,44 +89,34 @@ TEST(Binding, JsonValues) {
 }
 
 TEST(Binding, OptionsCountInTheirPlaceOnTheLine) {
-  expectRows({"a b --quiet --verbose -> v", "a --quiet --text --json -> qj",
-              "a b --verbose --quiet --json --text -> qt"},
+  expectRows({"a b --quiet --verbose -> 100", "a --quiet --text --json -> 1010",
+              "a b --verbose --quiet --json --text -> 1001"},
              [](const std::string& line) {
                SampleCommand command;
                EXPECT_NE(bindWords(&command, line, 2), "");
-               const OutputFlags& flags = command.flags();
-               std::string shown = flags.quiet ? "q" : "";
-               shown.append(flags.verbose ? "v" : "").append(flags.json ? "j" : "");
-               return shown.append(flags.text ? "t" : "");
+               const auto& [quiet, verbose, json, text] = command.flags();
+               return std::to_string(1000 * quiet + 100 * verbose + 10 * json + text);
              });
 }
 
+// What a number, a truth and a word take a text for, "-" when they refuse it.
 TEST(Params, Texts) {
-  SampleCommand command;
-  for (const char* text : {"2147483648", "-2147483649", "", " ", "+", "+-1", "1x", "1 ", "0x10"})
-    EXPECT_FALSE(command.number.setFromText(text)) << text;
-  for (const char* text : {"7", "+7", " \t\v7", "007"}) {
-    EXPECT_TRUE(command.number.setFromText(text)) << text;
-    EXPECT_EQ(command.number.value(), 7) << text;
-  }
-  bool expected = true;  // each text below inverts what the one before it set
-  for (const char* text : {"false", "TRUE", "No", "yes", "oFF", "On"}) {
-    EXPECT_TRUE(command.truth.setFromText(text)) << text;
-    EXPECT_EQ(command.truth.value(), expected = !expected) << text;
-  }
-  for (const char* text : {"False", "TRUE", "<single-word-command-absent>",
-                           "<single-word-command-present>", "", "true"}) {
-    EXPECT_TRUE(command.word.setFromText(text)) << text;
-    EXPECT_EQ(command.word.present(), expected = !expected) << text;
-  }
-  EXPECT_FALSE(command.truth.setFromText(""));
-  EXPECT_FALSE(command.word.setFromText("yes"));
-}
-
-Lines linesOf(const SampleCommand& command) {
-  Lines lines;
-  command.render([&lines](std::string_view line) { lines.emplace_back(line); });
-  return lines;
+  expectRows({"7 -> 7 - -",          "+7 -> 7 - -",     " \t\v7 -> 7 - -", "-007 -> -7 - -",
+              "1x -> - - -",         " -> - - off",     "  -> - - -",      "+ -> - - -",
+              "+-1 -> - - -",        "1  -> - - -",     "0x10 -> - - -",   "-2147483649 -> - - -",
+              "2147483648 -> - - -", "TRUE -> - on on", "true -> - on on", "False -> - off off",
+              "false -> - off off",  "No -> - off -",   "yes -> - on -",   "oFF -> - off -",
+              "On -> - on -"},
+             [](const std::string& text) {
+               SampleCommand command;
+               EXPECT_TRUE(command.word.setFromText("true"));
+               const bool number = command.number.setFromText(text);
+               const bool truth = command.truth.setFromText(text);
+               const bool word = command.word.setFromText(text);
+               std::string shown = number ? std::to_string(command.number.value()) : "-";
+               shown.append(!truth ? " -" : command.truth.value() ? " on" : " off");
+               return shown.append(!word ? " -" : command.word.present() ? " on" : " off");
+             });
 }
 
 TEST(Rendering, StatusLinesByModeAndFieldsOfASuccess) {
@@ -136,92 +124,80 @@ TEST(Rendering, StatusLinesByModeAndFieldsOfASuccess) {
     SampleCommand command;
     EXPECT_TRUE(command.applyOption(option));
     command.statusField().status() = status;
-    return linesOf(command);
+    std::string lines;
+    command.render([&lines](std::string_view line) { lines.append(line).append("|"); });
+    return lines;
   };
-  const std::string method = "method: sample command";
-  const std::string text = "status_text: invalid argument (no value)";
-  const std::string code = "status_code: 0x10000003";
+  const std::string method = "method: sample command|", code = "status_code: 0x10000003|";
+  const std::string text = "status_text: invalid argument (no value)|";
+  const std::string fields = "unset: |flag: false|list:|one|  two\n|free text|";
   const Status failed(kInvalidArgument, "no value", "");
-  EXPECT_EQ(rendered("--text", failed), (Lines{text, code}));
-  EXPECT_EQ(rendered("--quiet", failed), (Lines{code}));
-  EXPECT_EQ(rendered("--verbose", failed), (Lines{method, text, code}));
-  Lines fields = {"unset: ", "flag: false", "list:", "one", "  two\n", "free text"};
+  EXPECT_EQ(rendered("--text", failed), text + code);
+  EXPECT_EQ(rendered("--quiet", failed), code);
+  EXPECT_EQ(rendered("--verbose", failed), method + text + code);
   EXPECT_EQ(rendered("--quiet", Status(kSuccess)), fields);
-  fields.insert(fields.begin(), {method, "status_text: success", "status_code: 0x00000001"});
-  EXPECT_EQ(rendered("--verbose", Status(kSuccess)), fields);
-  EXPECT_EQ(linesOf(SampleCommand()),  // one that never sets its status has failed
-            (Lines{"status_text: application error", "status_code: 0x12000001"}));
+  EXPECT_EQ(rendered("--verbose", Status(kSuccess)),
+            method + "status_text: success|status_code: 0x00000001|" + fields);
+  EXPECT_EQ(SampleCommand().statusField().status().code(), 0x12000001) << "it is not set yet";
 }
 
-std::string jsonOf(const SampleCommand& command) {
+TEST(Rendering, Json) {
+  SampleCommand command;
+  for (const char* word : {"output=", "output=JSON", "--json"}) {
+    EXPECT_NE(bindWords(&command, word), "") << "for the parameter that is missing";
+    EXPECT_FALSE(command.jsonWanted()) << word;
+  }
+  EXPECT_EQ(bindWords(&command, "needed=x output=json requestID=\"7\" --text"), "");
+  EXPECT_TRUE(command.jsonWanted());
+  command.statusField().status() = Status(kSuccessWithWarnings, "some", "there");
   std::string json;
   command.renderJson([&json](std::string_view text) { json += text; });
+  EXPECT_EQ(json,
+            "{\"requestID\":\"\\\"7\\\"\",\"method\":\"sample command\",\"status_code\":2,"
+            "\"status_text\":\"success with warnings\",\"status_details\":\"some\","
+            "\"status_context\":\"there\",\"unset\":\"\",\"flag\":false,"
+            "\"list\":[\"one\",\"  two\",\"\"],\"headless\":[\"free text\"]}\n");
+}
+
+TEST(Defaults, RefuseEverything) {
+  ValueBinder sink;
+  EXPECT_FALSE(sink.addText("", "") || sink.addInteger("", 0) || sink.addBoolean("", true) ||
+               sink.addList("", {}) || sink.addRecord("", {}) || sink.addRecords("", {}) ||
+               sink.addStatus("", Status(kSuccess)));
+  NamedValueBinder input;
+  EXPECT_FALSE(input.setFromText("") || input.setFromInteger(0) || input.setFromBoolean(true) ||
+               input.setFromNamedText("", ""));
+}
+
+// Shows as "~" what replaces a byte that is not part of a character.
+std::string escaped(const std::string& text) {
+  std::string json;
+  appendJsonString(text, &json);
+  for (std::size_t at = 0; (at = json.find("\xef\xbf\xbd")) != json.npos;)
+    json.replace(at, 3, 1, '~');
   return json;
 }
 
-TEST(Rendering, JsonByOutcomeAndNeverByOption) {
-  for (const char* option : {"--quiet", "--verbose", "--text"}) {
-    SampleCommand command;
-    EXPECT_EQ(bindWords(&command, std::string("needed=x output=json requestID=\"7\" ") + option),
-              "");
-    EXPECT_TRUE(command.jsonWanted());
-    EXPECT_EQ(jsonOf(command),
-              "{\"requestID\":\"\\\"7\\\"\",\"method\":\"sample command\","
-              "\"status_code\":301989889,\"status_text\":\"application error\"}\n");
-  }
-  SampleCommand command;
-  command.statusField().status() = Status(kSuccessWithWarnings, "some", "there");
-  EXPECT_EQ(jsonOf(command),
-            "{\"method\":\"sample command\",\"status_code\":2,\"status_text\":\"success with "
-            "warnings\",\"status_details\":\"some\",\"status_context\":\"there\",\"unset\":\"\","
-            "\"flag\":false,\"list\":[\"one\",\"  two\",\"\"],\"headless\":[\"free text\"]}\n");
-  for (const char* word : {"output=", "output=JSON", "output=json ", "--json"}) {
-    SampleCommand other;
-    const ScopedJson words(makeArray());
-    appendString(words.get(), std::string_view(word));
-    (void)bindCommandWords(&other, words.get(), 0);  // refused for the parameter that is missing
-    EXPECT_FALSE(other.jsonWanted()) << word;
-  }
-}
-
 TEST(JsonText, EscapesOnlyWhatItMust) {
-  for (int byte = 0; byte < 0x20; ++byte) {
-    const std::string letters = "btn fr";  // of the bytes from 8 on
-    const char letter = byte < 8 || byte > 13 ? ' ' : letters[static_cast<std::size_t>(byte) - 8];
-    char expected[sizeof("\"\\u0000\"")];
-    (void)std::snprintf(expected, sizeof(expected), letter == ' ' ? "\"\\u%04x\"" : "\"\\%c\"",
-                        letter == ' ' ? byte : letter);
-    std::string json;
-    appendJsonString(std::string(1, static_cast<char>(byte)), &json);
-    EXPECT_EQ(json, expected);
-  }
-  const std::string replaced = "\xef\xbf\xbd";
+  std::string controls;
+  for (char byte = 0; byte < 0x20; ++byte) controls += byte;
+  EXPECT_EQ(escaped(controls),
+            R"("\u0000\u0001\u0002\u0003\u0004\u0005\u0006\u0007\b\t\n\u000b\f\r\u000e\u000f)"
+            R"(\u0010\u0011\u0012\u0013\u0014\u0015\u0016\u0017\u0018\u0019\u001a\u001b\u001c)"
+            R"(\u001d\u001e\u001f")");
   const std::string whole =
       "\x7f \xc2\x80 \xdf\xbf \xe0\xa0\x80 \xed\x9f\xbf\xee\x80\x80 "
       "\xf0\x90\x80\x80\xf4\x8f\xbf\xbf";
-  const std::pair<std::string, std::string> cases[] = {
-      {R"(a"b\c/)", R"(a\"b\\c/)"},
-      {whole, whole},
-      // One replacement for each byte that begins nothing, such as those of overlong forms, of
-      // surrogates and of numbers above U+10FFFF.
-      {"\x80 \xc0\xaf\xc1\xbf \xe0\x9f\xbf \xf0\x8f\xbf\xbf", "? ???? ??? ????"},
-      {"\xed\xa0\x80\xed\xbf\xbf \xf4\x90\x80\x80 \xf5\xff\xfe", "?????? ???? ???"},
-      // One for the longest beginning of a character.
-      {"\xe2\x82", "?"},
-      {"\xe2\x82\" \xf0\x9f\x98\xc3\xc3\xa4", "?\\\" ??\xc3\xa4"},
-      {"a\xf1\x80\x80\xe1\x80\xc2"
-       "b\x80"
-       "c\x80\xbf"
-       "d",
-       "a???b?c??d"},
-  };
-  for (const auto& [text, expected] : cases) {
-    std::string wanted = "\"";
-    for (const char byte : expected) wanted += byte == '?' ? replaced : std::string(1, byte);
-    std::string json;
-    appendJsonString(text, &json);
-    EXPECT_EQ(json, wanted + "\"");
-  }
+  EXPECT_EQ(escaped(whole), '"' + whole + '"');
+  expectRows({R"(a"b\c/ -> "a\"b\\c/")",
+              // One replacement for each byte that begins nothing, such as those of overlong forms,
+              // of surrogates and of numbers above U+10FFFF.
+              "\x80 \xc0\xaf\xc1\xbf \xe0\x9f\xbf \xf0\x8f\xbf\xbf -> \"~ ~~~~ ~~~ ~~~~\"",
+              "\xed\xa0\x80\xed\xbf\xbf \xf4\x90\x80\x80 \xf5\xff\xfe -> \"~~~~~~ ~~~~ ~~~\"",
+              // One for the longest beginning of a character.
+              "\xe2\x82 -> \"~\"", "\xe2\x82\" \xf0\x9f\x98\xc3\xc3\xa4 -> \"~\\\" ~~\xc3\xa4\"",
+              "z\xf1\x80\x80\xe1\x80\xc2y\x80x\x80\xbfw -> \"z~~~y~x~~w\""},
+             &escaped);
 }
 
 TEST(StatusText, OfTheModuleElseOfTheCategory) {
@@ -232,18 +208,19 @@ TEST(StatusText, OfTheModuleElseOfTheCategory) {
   registerStatusTexts(static_cast<int>(module), [](StatusCode) { return "its own"; });
   EXPECT_STREQ(statusText(own), "its own");
   registerStatusTexts(kProgramModule, &programStatusText);
-  for (const std::string row :
-       {"00000001 success", "00000000 invalid status code", "14000002 stdlib error: opendir",
-        "14000013 stdlib error: system", "00001002 profile is currently running",
-        "12001001 profile not found", "10000099 generic client error",
-        "16000099 generic external-dependency error", "15000000 generic error code",
-        "20000002 unrecognized informational status code",
-        "24000009 unrecognized internal-error status code",
-        "17000000 unrecognized status code value", "80000000 integer is not a status code"}) {
-    const StatusCode code = codeOf(static_cast<unsigned>(std::stoul(row, nullptr, 16)));
-    EXPECT_EQ(statusText(code), row.substr(9)) << row;
-    EXPECT_EQ(isSuccess(code), row.rfind("00", 0) == 0) << row;
-  }
+  expectRows(
+      {"00000001 -> success (good)", "00000000 -> invalid status code (good)",
+       "00001002 -> profile is currently running (good)", "12001001 -> profile not found",
+       "14000002 -> stdlib error: opendir", "14000013 -> stdlib error: system",
+       "10000099 -> generic client error", "15000000 -> generic error code",
+       "16000099 -> generic external-dependency error",
+       "20000002 -> unrecognized informational status code",
+       "24000009 -> unrecognized internal-error status code",
+       "17000000 -> unrecognized status code value", "80000000 -> integer is not a status code"},
+      [](const std::string& digits) {
+        const StatusCode code = codeOf(static_cast<unsigned>(std::stoul(digits, nullptr, 16)));
+        return std::string(statusText(code)) + (isSuccess(code) ? " (good)" : "");
+      });
 }
 
 TEST(RequestForm, BuiltFromWords) {
