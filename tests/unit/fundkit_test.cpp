@@ -1,9 +1,7 @@
-#include <pthread.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <csignal>
-#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
@@ -26,17 +24,14 @@ namespace {
 // Further texts are a matter of fuzz/small_texts.cpp.
 TEST(LogLevel, NamesAndPriorities) {
   std::string names;
-  for (const LogLevelDescriptor& level : kLogLevels) {
-    names += std::string(loglevel_shortname(&level)) + loglevel_fullname(&level);
-    names += std::to_string(loglevel_to_syslog(&level)) + " ";
-    EXPECT_EQ(parseLevel(loglevel_fullname(&level)), &level);
+  for (const LogLevelDescriptor& row : kLogLevels) {
+    names += std::string(loglevel_shortname(&row)) + loglevel_fullname(parseLevel(row.full_name));
+    names += std::to_string(loglevel_to_syslog(&row)) + " ";
+    EXPECT_EQ(parseLevel(row.short_name), &row) << row.short_name;
   }
   EXPECT_EQ(names, "T~TRACE7 D~DEBUG7 I~INFO6 N~NOTICE5 W~WARNING4 E~ERROR3 F~FATAL2 ");
-  const char* const none = nullptr;
-  for (const char* text : {"err\ttext", "", "WARNINGS", "[F~]", none})
-    EXPECT_EQ(parseLevel(text), kLogInfo);
-  for (const char* text : {"[Fatal] x", "panic", "emergency", "\xc3 ALERT \xff"})
-    EXPECT_EQ(parseLevel(text), kLogFatal);
+  EXPECT_EQ(parseLevel(static_cast<const char*>(nullptr)), kLogInfo);
+  for (const char* text : {"err\ttext", "[F~]"}) EXPECT_EQ(parseLevel(text), kLogInfo) << text;
 }
 
 // The lowest level that the logger is enabled for, and whether it is for one that is unset.
@@ -50,13 +45,12 @@ std::string enabledFrom(const Logger& logger) {
 TEST(Logger, Thresholds) {
   Logger& own = getLogger("own");
   const Logger& other = getLogger("other");
-  EXPECT_EQ(&getLogger("own"), &own);
   EXPECT_EQ(enabledFrom(own), "INFO unset");
   own.setThreshold(kLogError);
   setDefaultThreshold(kLogDebug);
-  EXPECT_EQ(enabledFrom(own), "ERROR");
-  EXPECT_EQ(enabledFrom(other), "DEBUG unset");
+  EXPECT_EQ(enabledFrom(getLogger("own")) + ", " + enabledFrom(other), "ERROR, DEBUG unset");
   EXPECT_EQ(enabledFrom(getLogger("made later")), "DEBUG unset");
+  own.setThreshold(kLogUnset);
   setDefaultThreshold(kLogUnset);
   EXPECT_EQ(enabledFrom(other), "INFO unset");
 }
@@ -124,18 +118,14 @@ void passTime() {
 
 void note(const char* name, const char* holder, Duration threshold, Duration measured) {
   EXPECT_TRUE(measured >= 1000 && measured < kMinute) << measured;
-  report.append(name).append(",").append(holder).append(",");
-  report.append(std::to_string(threshold)).append(";");
+  report += std::string(name) + "," + holder + "," + std::to_string(threshold) + ";";
 }
 
 TEST(ThreadName, OfUpToFifteenBytes) {
-  std::thread named([] {
-    EXPECT_TRUE(setThreadName("fifteen bytes.."));
-    for (const char* refused : {"sixteen bytes...", "", static_cast<const char*>(nullptr)})
-      EXPECT_FALSE(setThreadName(refused));
-    EXPECT_EQ(threadName(), "fifteen bytes..");
-  });
-  named.join();
+  EXPECT_TRUE(setThreadName("fifteen bytes.."));
+  for (const char* refused : {"sixteen bytes...", "", static_cast<const char*>(nullptr)})
+    EXPECT_FALSE(setThreadName(refused));
+  EXPECT_EQ(threadName(), "fifteen bytes..");
 }
 
 TEST(Mutex, HoldThresholds) {
@@ -153,9 +143,8 @@ TEST(Mutex, HoldThresholds) {
   EXPECT_EQ(reportOf(TimedMutex("", kDay, -5)), unnamed + unnamed);
   EXPECT_EQ(reportOf(TimedMutex(nullptr, kDay, 0)), unnamed + unnamed);
   EXPECT_EQ(reportOf(PortableMutex("a", kDay, 1)), "a,holder,1;a,holder,1;");
-  EXPECT_EQ(reportOf(PortableMutex("d", kDay, kDay)), "");
   EXPECT_EQ(reportOf(PortableMutex("plain", 0, 1)) + reportOf(PortableMutex("plain", 1, 0)), "");
-  EXPECT_EQ(reportOf(PortableMutex()), "");
+  EXPECT_EQ(reportOf(PortableMutex("d", kDay, kDay)) + reportOf(PortableMutex()), "");
 }
 
 TEST(Mutex, WarnsOfTheWaiter) {
@@ -182,7 +171,7 @@ TEST(Mutex, DefaultWarnings) {
   testing::internal::CaptureStderr();
   warnOfContention("m", "holder", 1000, 2500);
   warnOfLongHold("m", "holder", 1000, -2999);
-  warnOfLongHold("m", "holder", 1, (std::int64_t{1} << 32) * 1000);
+  warnOfLongHold("m", "holder", 1, (Duration{1} << 32) * 1000);
   setLongHoldHandler(nullptr);
   TimedMutex mutex("", kDay, 0);
   mutex.lock();
@@ -202,10 +191,10 @@ TEST(Duration, ReadAndShown) {
        "1usec -> 1 usec", "2000 usecs -> 2 ms", "9999 microsecond -> 9999 usecs",
        "10001 microseconds -> 10 ms", "9999999 usecs -> 9999 ms", "1ms -> 1 ms", "20 msec -> 20 ms",
        "30 msecs -> 30 ms", "40 milli -> 40 ms", "1000millis -> 1 sec",
-       "10000 MilliSecond -> 10 secs", "599999 milliseconds -> 599 secs", "5 s -> 5 secs",
-       "120 sec -> 2 mins", " +5\x01\n\x1fsecs\x1flater -> 5 secs", "7199 second -> 119 mins",
-       "863999 seconds later -> 239 hrs", "10m -> 10 mins", "60 min -> 1 hr", "120 mins -> 2 hrs",
-       "601 minute -> 10 hrs", "-61 minutes -> -61 mins", "24h -> 1 day", "1hr -> 1 hr",
+       "10001 MilliSecond -> 10 secs", "599999 milliseconds -> 599 secs", "5 s -> 5 secs",
+       "601 sec -> 10 mins", " +5\x01\n\x1fsecs\x1flater -> 5 secs", "7199 second -> 119 mins",
+       "863999 seconds later -> 239 hrs", "2m -> 2 mins", "60 min -> 1 hr", "120 mins -> 2 hrs",
+       "601 minute -> 10 hrs", "-599 minutes -> -599 mins", "24h -> 1 day", "1hr -> 1 hr",
        "239 hrs -> 239 hrs", "241 hour -> 10 days", "-48hours -> -2 days", "-2 D -> -2 days",
        "11day -> 11 days", "-2DAYS -> -2 days",
        // Not a number and a unit.
@@ -218,28 +207,25 @@ TEST(Duration, ReadAndShown) {
 }
 
 TEST(Timestamp, ParsedAndShown) {
-  EXPECT_EQ(formatTimestamp(999999, false, ' '), "1970-01-01 00:00:00");
   EXPECT_EQ(formatTimestamp(-1, true, ' '), "1969-12-31 23:59:59.999999");
   EXPECT_EQ(formatTimestamp(1709210096012345, true, 'T'), "2024-02-29T12:34:56.012345");
   expectRows(
-      {"2024-02-29T12:34:56 -> 1709210096000000", "2024-2-29T 12:34:56.9 -> 1709210096000000",
-       "2023-13-60T11:94:56 -> 1709210096000000", "1969-12-31T23:59:58 -> -2000000",
-       "20240-02-29T12:34:56 -> 0", "2024-02-29 12:34:56 -> 0", "2024-02-29T12:34: -> 0", " -> 0"},
-      [](const std::string& text) { return std::to_string(parseTimestamp(text)); });
+      {"2024-02-29T12:34:56 -> 2024-02-29 12:34:56", " -> 1970-01-01 00:00:00",
+       "2024-2-29T 12:34:56.9 -> 2024-02-29 12:34:56", "2023-13-60T11:94:56 -> 2024-02-29 12:34:56",
+       "1969-12-31T23:59:58 -> 1969-12-31 23:59:58", "2024-02-29T12:34: -> 1970-01-01 00:00:00",
+       "2024-02-29 12:34:56 -> 1970-01-01 00:00:00", "20240-02-29T12:34:56 -> 1970-01-01 00:00:00"},
+      [](const std::string& text) { return formatTimestamp(parseTimestamp(text), false, ' '); });
 }
 
 TEST(Timestamp, DateStampedNames) {
   using enum StampPrecision;
   std::string names;
   for (const StampPrecision precision : {kToDay, kToHour, kToMinute, kToSecond})
-    names += dateStampedName("log.", 1709210096012345, ".gz ", precision);
-  EXPECT_EQ(names,
-            "log.20240229.gz log.20240229-12.gz log.20240229-1234.gz log.20240229-123456.gz ");
+    names += dateStampedName("l.", 1709210096012345, ".gz ", precision);
+  EXPECT_EQ(names, "l.20240229.gz l.20240229-12.gz l.20240229-1234.gz l.20240229-123456.gz ");
   const TimePoint now = currentTime();
   EXPECT_LE(std::abs(now - std::time(nullptr) * kSecond), kMinute);
-  const std::string stamp = dateStampedName(nullptr, 0, nullptr, kToSecond);
-  EXPECT_GE(stamp, dateStampedName("", now, "", kToSecond));
-  EXPECT_LE(stamp, dateStampedName("", currentTime(), "", kToSecond));
+  EXPECT_GE(dateStampedName(nullptr, 0, nullptr, kToDay), dateStampedName("", now, "", kToDay));
 }
 
 TEST(LocalTime, StandardOffsetAllYear) {
@@ -266,7 +252,6 @@ TEST(SignalHold, AllButThoseOfTheProcessItself) {
   {
     const SignalHold outer;
     {
-      const SignalHold inner;
       const SignalRelease release;
       EXPECT_EQ(heldSignals(), "TSTP TTIN TTOU ");
       const SignalHold again;

@@ -14,7 +14,6 @@
 namespace tunadm {
 namespace {
 
-using Parse = jsObject* (*)(const char* text, std::ptrdiff_t length);
 using Pair = std::pair<const char*, const char*>;
 
 std::string printed(const jsObject* value) {
@@ -27,16 +26,10 @@ std::string printed(const jsObject* value) {
 std::string taken(jsObject* value) { return printed(ScopedJson(value).get()); }
 
 // "none" for a null pointer. The text is parsed where a sanitizer sees any read beyond its end.
-std::string parsed(std::string_view text, Parse parse = &parseJson) {
+std::string parsed(std::string_view text) {
   const std::vector<char> exact(text.begin(), text.end());
-  jsObject* const value = parse(exact.data(), static_cast<std::ptrdiff_t>(exact.size()));
+  jsObject* const value = parseJson(exact.data(), static_cast<std::ptrdiff_t>(exact.size()));
   return value == nullptr ? "none" : taken(value);
-}
-
-std::string repeated(std::string_view piece, int times) {
-  std::string text;
-  for (int i = 0; i < times; ++i) text += piece;
-  return text;
 }
 
 TEST(AsciiCase, OnlyLettersOfAsciiHaveTwoForms) {
@@ -67,18 +60,18 @@ TEST(JsonScanner, TokensAsPrinted) {
 
 // The scanner looks at several bytes at a time, and short texts are stored in another way.
 TEST(JsonScanner, StringsOfAllLengths) {
-  for (int length = 0; length < 40; ++length) {
-    const std::string piece = repeated("\xa2", length);  // a quote but for its high bit
+  for (std::size_t length = 0; length < 40; ++length) {
+    const std::string piece(length, '\xa2');  // a quote but for its high bit
     for (const auto& [escape, byte] : {Pair{"", ""}, {R"(\")", "\""}, {R"(\\)", "\\"}}) {
-      const std::string text = "[\"" + piece + escape + piece + R"(","\"",11111111111111111])";
+      std::string text = "[\"";
+      text.append(piece).append(escape).append(piece).append(R"(","\"",11111111111111111])");
       const ScopedJson array(parseJson(text.c_str(), -1));
-      EXPECT_EQ(stringView(arrayAt(array.get(), 0)), piece + byte + piece) << text;
+      EXPECT_EQ(stringView(arrayAt(array.get(), 0)), std::string(piece).append(byte).append(piece));
       EXPECT_EQ(arraySize(array.get()), 3u) << text;
     }
     EXPECT_EQ(parsed('"' + piece + R"(\")"), "none") << length;
     const ScopedJson object(makeObject());
     EXPECT_STREQ(stringText(setStringMember(object.get(), piece + "n", piece)), piece.c_str());
-    EXPECT_EQ(memberName(object.get(), 0), piece + "n");
     EXPECT_EQ(findMember(object.get(), piece + "n"), 0) << length;
     EXPECT_EQ(findMember(object.get(), piece + "m"), -1) << length;
   }
@@ -96,8 +89,8 @@ TEST(JsonScanner, NumbersAreReadAsByTheCLibrary) {
 }
 
 TEST(JsonParser, Values) {
-  expectRows({R"({"a":1, b : [true,null , {}], c.d:"x", e:{f:{g:[]}},})"
-              R"( -> { "a":1, "b":[ true, null, { } ], "c.d":"x", "e":{ "f":{ "g":[ ] } } })",
+  expectRows({R"({"a":1, b : [true,null , {}]} -> { "a":1, "b":[ true, null, { } ] })",
+              R"({c.d:"x", e:{f:{g:[]}},} -> { "c.d":"x", "e":{ "f":{ "g":[ ] } } })",
               R"({"a":1,"b":2,"a":[{}]} -> { "a":[ { } ], "b":2 })", R"({} "a -> { })",
               R"([false,"",null,1,] -> [ false, "", null, 1 ])",
               // A closing bracket makes good what went wrong inside.
@@ -110,10 +103,10 @@ TEST(JsonParser, Values) {
               " -> none", "{} # -> none", "{}{} -> none", R"({"a":"abc -> none)",
               R"([{"":{"b":[1 -> none)", "[1} -> none", "{a:1] -> none", "] -> none", "} -> none",
               "1 2 -> none", "a -> none", "[1]1 -> none"},
-             [](const std::string& text) { return parsed(text); });
+             &parsed);
   expectRows({R"({"a":1}{"b":[{},true]} { -> [ { "a":1 }, { "b":[ { }, true ] } ])",
               "[1]{}{} -> [ ]", R"({a:1 #,c:2}{b:null} -> [ { "a":1 }, { "b":null } ])"},
-             [](const std::string& text) { return parsed(text, &parseJsonSequence); });
+             [](const std::string& text) { return taken(parseJsonSequence(text.c_str(), -1)); });
   EXPECT_EQ(parseJson(nullptr, 5), nullptr);
   EXPECT_EQ(parseJsonSequence("", -1), nullptr);
 }
@@ -121,9 +114,11 @@ TEST(JsonParser, Values) {
 // None of this may use the stack for each level.
 TEST(JsonParser, DepthAndSize) {
   constexpr int kCount = 500'000;
-  const std::string opening = repeated("{a:[", kCount);
-  EXPECT_EQ(parsed(opening), "none");
-  const ScopedJson tree(parseJson((opening + repeated("]}", kCount)).c_str(), -1));
+  std::string text;
+  for (int i = 0; i < kCount; ++i) text += "{a:[";
+  EXPECT_EQ(parsed(text), "none");
+  for (int i = 0; i < kCount; ++i) text += "]}";
+  const ScopedJson tree(parseJson(text.c_str(), -1));
   EXPECT_EQ(taken(deepCopy(tree.get())).size(), 12u * kCount - 1);
 }
 
@@ -162,57 +157,50 @@ TEST(JsonArray, ElementsAreSetTakenAndRemoved) {
   EXPECT_EQ(taken(takeAt(a, 1)) + taken(takeAt(a, 3)) + taken(takeLast(a)), "\"x\"13");
   removeAt(a, 0);
   removeAt(a, 1);
-  EXPECT_EQ(printed(a), "[ 12 ]");
-  removeAt(a, 0);
-  EXPECT_EQ(takeLast(a), nullptr);
-  const jsObject* const appended[] = {appendNull(a), appendObject(a), appendNumber(a, 7),
+  const jsObject* const appended[] = {arrayAt(a, 0),           appendNull(a),
+                                      appendObject(a),         appendNumber(a, 7),
                                       appendBoolean(a, false), appendString(a, "s")};
-  for (std::size_t i = 0; i < 5; ++i) EXPECT_EQ(appended[i], arrayAt(a, i)) << i;
+  for (std::size_t i = 0; i < 6; ++i) EXPECT_EQ(appended[i], arrayAt(a, i)) << i;
   appendValue(a, nullptr);
-  EXPECT_EQ(printed(a), R"([ null, { }, 7, false, "s", null ])");
+  EXPECT_EQ(printed(a), R"([ 12, null, { }, 7, false, "s", null ])");
 }
 
-// A shared instance survives its release; copies share it again, and have other values of their
-// own.
+// Shared instances survive their release; a copy shares them, too, and no other value.
 TEST(JsonValue, SharedInstancesAndCopies) {
   const ScopedJson tree(
       parseJson(R"([null,true,false,-1,0,1,2,"",3,1.5,"t",[{"a":-2}],-3,0.5])", -1));
-  const ScopedJson copy(deepCopy(tree.get()));
+  ScopedJson copy(deepCopy(tree.get()));
   EXPECT_EQ(printed(copy.get()), printed(tree.get()));
   for (std::size_t i = 0; i < arraySize(tree.get()); ++i) {
     EXPECT_EQ(arrayAt(copy.get(), i) == arrayAt(tree.get(), i), i < 8) << i;
     if (i < 8) releaseJson(arrayAt(tree.get(), i));
   }
+  copy.reset(copy.get());  // keeps it
   EXPECT_EQ(printed(tree.get()), printed(copy.get()));
   EXPECT_FALSE(booleanValue(makeBoolean(false)));
   EXPECT_EQ(makeString(static_cast<const char*>(nullptr)), makeString(""));
-  ScopedJson number(makeNumber(-2.5));
-  number.reset(number.get());
-  EXPECT_EQ(numberValue(number.get()), -2.5);
 }
 
 TEST(JsonValue, EachKindIsOnlyItself) {
-  using KindTest = bool (*)(const jsObject*);
-  using Accessor = const jsObject* (*)(const jsObject*);
-  const KindTest tests[] = {&isNull, &isBoolean, &isNumber, &isString, &isArray, &isObject};
-  const Accessor accessors[] = {&asNull, &asBoolean, &asNumber, &asString, &asArray, &asObject};
   const ScopedJson values(parseJson("[null,true,3,\"t\",[4],{a:5}]", -1));
-  for (std::size_t kind = 0; kind < 6; ++kind) {
+  for (std::size_t kind = 0; kind < 7; ++kind) {  // the last one is a null pointer
     const jsObject* const value = arrayAt(std::as_const(values).get(), kind);
-    const bool content[] = {kind == 0,
-                            booleanValue(value),
-                            numberValue(value) == 3,
-                            stringView(value) == "t",
-                            arraySize(value) == 1,
-                            objectSize(value) == 1};
+    const bool is[] = {isNull(value),   isBoolean(value), isNumber(value),
+                       isString(value), isArray(value),   isObject(value)};
+    const jsObject* const as[] = {asNull(value),   asBoolean(value), asNumber(value),
+                                  asString(value), asArray(value),   asObject(value)};
+    const bool has[] = {kind == 0,
+                        booleanValue(value),
+                        numberValue(value) == 3,
+                        stringView(value) == "t",
+                        arraySize(value) == 1,
+                        objectSize(value) == 1};
     for (std::size_t other = 0; other < 6; ++other) {
-      EXPECT_EQ(tests[other](value), other == kind) << kind << other;
-      EXPECT_EQ(accessors[other](value), other == kind ? value : nullptr) << kind << other;
-      EXPECT_EQ(content[other], other == kind) << kind << other;
+      EXPECT_EQ(is[other], other == kind) << kind << other;
+      EXPECT_EQ(as[other], other == kind ? value : nullptr) << kind << other;
+      EXPECT_EQ(has[other], other == kind) << kind << other;
     }
-    EXPECT_FALSE(tests[kind](nullptr)) << kind;
-    EXPECT_EQ(findMember(value, "a"), kind == 5 ? 0 : -1) << kind;
-    EXPECT_EQ(findMemberIgnoringCase(value, "A"), kind == 5 ? 0 : -1) << kind;
+    EXPECT_EQ(findMember(value, "a") + findMemberIgnoringCase(value, "A"), kind == 5 ? 0 : -2);
     EXPECT_EQ(memberValue(value, 1), nullptr) << kind;
     EXPECT_EQ(std::string(stringText(value)).append(memberName(value, 1)), kind == 3 ? "t" : "");
   }
@@ -229,8 +217,7 @@ TEST(JsonObject, SetMemberReplacesInPlaceAndRemovalMovesTheLastMemberIntoTheGap)
   EXPECT_EQ(taken(detachMember(o, "d")) + taken(detachMember(o, "")), "8");
   EXPECT_EQ(findMemberIgnoringCase(o, "C"), 2);
   EXPECT_EQ(findMember(o, "C"), -1);
-  EXPECT_EQ(printed(setStringMember(o, "c", "t")), "\"t\"");
-  EXPECT_EQ(setStringMember(o, "", "t"), nullptr);
+  EXPECT_EQ(printed(setStringMember(o, "c", "t")) + printed(setStringMember(o, "", "u")), "\"t\"");
   EXPECT_EQ(printed(o), std::string_view("{ \"a\":[ ], \"a\0\":null, \"c\":\"t\" }", 31));
 }
 
