@@ -1,5 +1,4 @@
 #include <sys/mount.h>
-#include <sys/resource.h>
 #include <sys/xattr.h>
 
 #include <algorithm>
@@ -8,12 +7,14 @@
 #include <optional>
 #include <regex>
 #include <thread>
+#include <tuple>
 
 #include "fundkit/DirectoryListing.h"
 #include "fundkit/FileUtils.h"
 #include "fundkit/LockFile.h"
 #include "fundkit/ProgramDirectories.h"
 #include "fundkit/RemoveTree.h"
+#include "fundkit/ScopedFd.h"
 #include "fundkit/UniqueFile.h"
 #include "tests/support/TestHost.h"
 
@@ -21,6 +22,13 @@ namespace tunadm {
 namespace {
 
 using namespace std::literals;
+using Lines = std::vector<std::string>;
+
+// Enters its empty directory, so that it and the functions take the same relative paths.
+struct FileHost : TestHost {
+  FileHost() { std::filesystem::current_path("/opt/vrx/profiles"); }
+  void expectTree(const Lines& expected) const { EXPECT_EQ(tree("."), expected); }
+};
 
 // The umask for the scope.
 struct Umask {
@@ -39,33 +47,25 @@ struct SmallDisk {
   const char* path;
 };
 
-// At most so many descriptors for the scope.
-struct DescriptorLimit {
-  explicit DescriptorLimit(rlim_t count) {
-    EXPECT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
-    const rlimit limit{count, before.rlim_max};
-    EXPECT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
-  }
-  ~DescriptorLimit() { EXPECT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0); }
-  rlimit before{};
-};
-
-ino_t inodeOf(const char* path) {
+// Owner, group and the extended attributes that the tests set.
+std::string attributesOf(const char* path) {
   struct stat found {};
-  EXPECT_EQ(lstat(path, &found), 0) << path;
-  return found.st_ino;
-}
-
-std::string attributeOf(const char* path, const char* name) {
-  char value[200];
-  const ssize_t size = getxattr(path, name, value, sizeof(value));
-  return size < 0 ? "none" : std::string(value, static_cast<std::size_t>(size));
+  EXPECT_EQ(stat(path, &found), 0);
+  std::string text = std::to_string(found.st_uid) + " " + std::to_string(found.st_gid);
+  for (const char* name : {"user.color", "system.posix_acl_access"}) {
+    char value[200];
+    const ssize_t size = getxattr(path, name, value, sizeof(value));
+    text += size < 0 ? " none" : " " + std::string(value, static_cast<std::size_t>(size));
+  }
+  return text;
 }
 
 // All calls, made in this order, have ended so.
 void expectAll(StatusCode code, std::initializer_list<Status> ends) {
   for (const Status& end : ends) EXPECT_EQ(end.code(), code) << &end - ends.begin();
 }
+
+std::string longer(std::string_view old) { return std::string(old) + "er"; }
 
 void expectFile(const TestHost& host, const std::string& path, const std::string& content,
                 mode_t mode) {
@@ -79,139 +79,111 @@ std::string fileCalls() {
 }
 
 TEST(FileUtils, Copy) {
-  TestHost host;
+  FileHost host;
   for (const unsigned size : {0U, 4096U, 70000U}) {
     const std::string content(size, '\0');
-    host.file("/tmp/to", "longer than nothing", 0600).file("/tmp/from", content);
-    EXPECT_TRUE(copyFile("/tmp/from", "/tmp/to").ok());
-    expectFile(host, "/tmp/to", content, 0644);
+    host.file("to", "longer than nothing", 0600).file("from", content);
+    EXPECT_TRUE(copyFile("from", "to").ok());
+    expectFile(host, "to", content, 0644);
   }
-  EXPECT_TRUE(copyFile("/tmp/from", "/dev/null").ok());
-  const struct {
-    const char* from;
-    const char* to;
-    StatusCode code;
-    const char* details;
-  } failures[] = {{"/tmp/to", "/tmp/to", kInvalidArgument, "/tmp/to"},
-                  {"/tmp/none", "/tmp/to", kInvalidArgument, "/tmp/none"},
-                  {"", "/tmp/to", kInvalidArgument, ""},
-                  {"/tmp/from", "", kInvalidArgument, ""},
-                  {"/tmp", "/tmp/to", kReadFailed, "/tmp"},
-                  {"/tmp/from", "/tmp/no/to", kOpenFailed, "/tmp/no/to"},
-                  {"/tmp/from", "/dev/full", kWriteFailed, "/dev/full"}};
-  for (const auto& c : failures) {
-    const Status status = copyFile(c.from, c.to);
-    EXPECT_EQ(status.code(), c.code) << c.to;
-    EXPECT_EQ(status.details(), c.details);
-    EXPECT_EQ(status.context(), "copyFile");
+  EXPECT_TRUE(copyFile("from", "/dev/null").ok());
+  const std::tuple<Status, StatusCode, std::string> failures[] = {
+      {copyFile("to", "to"), kInvalidArgument, "to"},
+      {copyFile("none", "to"), kInvalidArgument, "none"},
+      {copyFile("", "to"), kInvalidArgument, ""},
+      {copyFile("from", ""), kInvalidArgument, ""},
+      {copyFile(".", "to"), kReadFailed, "."},
+      {copyFile("from", "no/to"), kOpenFailed, "no/to"},
+      {copyFile("from", "/dev/full"), kWriteFailed, "/dev/full"}};
+  for (const auto& [status, code, details] : failures) {
+    EXPECT_EQ(status.code(), code) << details;
+    EXPECT_EQ(status.details() + " " + status.context(), details + " copyFile");
   }
-  EXPECT_EQ(host.read("/tmp/to").size(), 70000U);
+  EXPECT_EQ(host.read("to").size(), 70000U);
 }
 
 TEST(FileUtils, Move) {
-  TestHost host;
-  host.file("/tmp/from", "1").file("/tmp/to", "2").link("/none", "/tmp/dead");
-  expectAll(kRenameFailed, {moveFile("/tmp/from", "/tmp/to", Overwrite::kNo),
-                            moveFile("/tmp/from", "/tmp/dead", Overwrite::kNo)});
-  EXPECT_EQ(host.read("/tmp/from") + host.read("/tmp/to"), "12");
-  EXPECT_TRUE(moveFile("/tmp/from", "/tmp/to", Overwrite::kYes).ok());
-  const SmallDisk disk("/tmp/fs");
-  EXPECT_TRUE(moveFile("/tmp/to", "/tmp/fs/to", Overwrite::kNo).ok());
-  EXPECT_EQ(host.read("/tmp/fs/to"), "1");
-  EXPECT_FALSE(host.exists("/tmp/from") || host.exists("/tmp/to"));
-  host.file("/tmp/dir/x", "").file("/tmp/file", "kept").file("/tmp/fs/file", "kept");
-  expectAll(kRenameFailed, {moveFile("/tmp/from", "/tmp/to", Overwrite::kYes),
-                            moveFile("/tmp/dir", "/tmp/file", Overwrite::kYes),
-                            moveFile("/tmp/dir", "/tmp/fs/file", Overwrite::kYes)});
-  EXPECT_EQ(host.read("/tmp/file") + host.read("/tmp/fs/file"), "keptkept");
-  EXPECT_TRUE(host.exists("/tmp/dir/x"));
+  FileHost host;
+  const SmallDisk disk("fs");
+  host.file("from", "1").file("to", "2").link("none", "dead");
+  host.file("dir/x", "").file("file", "kept").file("fs/file", "kept");
+  expectAll(kRenameFailed,
+            {moveFile("from", "to", Overwrite::kNo), moveFile("from", "dead", Overwrite::kNo),
+             moveFile("none", "file", Overwrite::kYes), moveFile("dir", "file", Overwrite::kYes),
+             moveFile("dir", "fs/file", Overwrite::kYes)});
+  EXPECT_EQ(host.read("to"), "2");
+  expectAll(kSuccess,
+            {moveFile("from", "to", Overwrite::kYes), moveFile("to", "fs/to", Overwrite::kNo)});
+  host.expectTree({"dead -> none", "dir 755/", "dir/x 644 ", "file 644 kept", "fs 1777/",
+                   "fs/file 644 kept", "fs/to 644 1"});
 }
 
 TEST(FileUtils, EntriesAndModes) {
-  TestHost host;
+  FileHost host;
   const Umask mask(027);
-  EXPECT_TRUE(makeNewDirectory("/tmp/dir", 0777).ok());
-  EXPECT_EQ(host.mode("/tmp/dir"), 0750U);
-  EXPECT_TRUE(makeDirectory("/tmp/dir", 0700).ok());
-  expectAll(kMkdirFailed, {makeNewDirectory("/tmp/dir", 0), makeDirectory("/tmp/no/dir", 0700)});
-  host.file("/tmp/dir/file", "");
-  EXPECT_TRUE(changeMode("/tmp/dir/file", 0604).ok());
-  EXPECT_EQ(host.mode("/tmp/dir/file"), 0604U);
-  const SmallDisk disk("/tmp/fs");
-  host.file("/tmp/fs/file", "", 0604);
+  const SmallDisk disk("fs");
+  host.file("fs/file", "", 0604);
   ASSERT_EQ(mount("none", disk.path, "", MS_REMOUNT | MS_RDONLY, nullptr), 0);
-  EXPECT_TRUE(changeMode("/tmp/fs/file", 0604).ok());  // chmod itself is refused
-  expectAll(kChmodFailed, {changeMode("/tmp/none", 0604), changeMode("/tmp/fs/file", 0644)});
-  EXPECT_EQ(removeFile("/tmp/dir").code(), kUnlinkFailed);
-  expectAll(kRmdirFailed, {removeEmptyDirectory("/tmp/dir"), removeEntry("/tmp/dir")});
+  expectAll(kSuccess, {makeNewDirectory("dir", 0777), makeDirectory("dir", 0700)});
+  expectAll(kMkdirFailed, {makeNewDirectory("dir", 0), makeDirectory("no/dir", 0700)});
+  host.file("dir/file", "");
+  // On the read-only disk, chmod itself is refused.
+  expectAll(kSuccess, {changeMode("dir/file", 0604), changeMode("fs/file", 0604)});
+  expectAll(kChmodFailed, {changeMode("none", 0604), changeMode("fs/file", 0644)});
+  host.expectTree({"dir 750/", "dir/file 604 ", "fs 1777/", "fs/file 604 "});
+  EXPECT_EQ(removeFile("dir").code(), kUnlinkFailed);
+  expectAll(kRmdirFailed, {removeEmptyDirectory("dir"), removeEntry("dir")});
   for (int round = 0; round < 2; ++round)  // the second time nothing is there
-    expectAll(kSuccess, {removeEntry("/tmp/dir/file"), removeEntry("/tmp/dir"),
-                         removeFile("/tmp/dir"), removeEmptyDirectory("/tmp/dir")});
-  EXPECT_TRUE(isMissing("/tmp/dir"));
+    expectAll(kSuccess, {removeEntry("dir/file"), removeEntry("dir"), removeFile("dir"),
+                         removeEmptyDirectory("dir")});
+  EXPECT_TRUE(isMissing("dir"));
   expectAll(kInvalidArgument,
             {removeFile(""), removeEmptyDirectory(""), removeEntry(""), makeDirectory("", 0),
              makeNewDirectory("", 0), changeMode("", 0), replaceFile("", ""), writeLines("", {}),
              flushTree(""), flushDirectory(""), removeTree(""), emptyDirectory(""),
-             moveFile("/tmp/fs/file", "", Overwrite::kYes),
-             rewriteFile("", [](std::string_view) { return ""s; }), listDirectory("").status});
+             moveFile("fs/file", "", Overwrite::kYes), rewriteFile("", longer),
+             listDirectory("").status});
 }
 
 // A test that hangs here waits for the other end of the FIFO.
-TEST(FileUtils, LinesAndWhatIsNotReadable) {
-  TestHost host;
-  host.file("/tmp/kept", "longer than that", 0600).file("/tmp/huge", "");
-  EXPECT_TRUE(writeLines("/tmp/kept", {"a", "", "b\0c"s}).ok());
-  expectFile(host, "/tmp/kept", "a\n\nb\n", 0640);
-  ASSERT_EQ(mkfifo("/tmp/fifo", 0600) + truncate("/tmp/huge", (64 << 20) + 1), 0);
-  for (const char* path : {"/tmp/none", "/tmp/fifo", "/tmp", "", "/tmp/huge"}) {
-    std::string text = "before";
-    EXPECT_FALSE(readFile(path, &text).ok()) << path;
-    EXPECT_EQ(text, "");
-  }
-  EXPECT_EQ(writeLines("/tmp/fifo", {"x"}).code(), kOpenFailed);
-}
-
-TEST(FileUtils, FirstLine) {
-  TestHost host;
-  const std::string mebi(1048576, 'x');
-  host.file("/tmp/mebi", mebi).file("/tmp/more", mebi + "x\n").file("/tmp/empty", "");
-  host.file("/tmp/nul", "a\0b\n"s).file("/tmp/line", "b\r\nc").file("/tmp/chunk", mebi + "\nx");
-  host.link("/none", "/tmp/dead").link("loop", "/tmp/loop").link("line", "/tmp/link");
-  ASSERT_EQ(mkfifo("/tmp/fifo", 0600), 0);
-  const int directory = open("/tmp", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  std::string line;
+TEST(FileUtils, WhatIsRead) {
+  FileHost host;
+  const std::string mebi(1 << 20, 'x');
+  host.file("mebi", mebi).file("more", mebi + "x\n").file("chunk", mebi + "\nx").file("empty", "");
+  host.file("nul", "a\0b\n"s).file("line", "b\r\nc").link("line", "link").file("huge", "");
+  host.link("none", "dead").link("loop", "loop").file("lines", "longer than that", 0600);
+  ASSERT_EQ(mkfifo("fifo", 0600) + truncate("huge", (64 << 20) + 1), 0);
+  std::string text;
   for (const auto& [path, expected] :
        {std::pair{"mebi", mebi}, {"chunk", mebi}, {"empty", ""}, {"nul", "a"}, {"link", "b\r"}}) {
-    EXPECT_EQ(readFirstLine(directory, path, &line), LineRead::kRead) << path;
-    EXPECT_TRUE(line == expected) << path;
+    EXPECT_EQ(readFirstLine(path, &text), LineRead::kRead) << path;
+    EXPECT_TRUE(text == expected) << path;
   }
-  for (const char* path :
-       {"none", "fifo", ".", "dead", "loop", "line/x", "", "/dev/zero", "more"}) {
-    line = "before";
-    EXPECT_EQ(readFirstLine(directory, path, &line),
-              path == "more"sv ? LineRead::kError : LineRead::kNothing);
-    EXPECT_EQ(line, "") << path;
+  for (const char* path : {"none", "fifo", ".", "dead", "loop", "line/x", "", "/dev/zero"}) {
+    EXPECT_EQ(readFirstLine(path, &(text = "before")), LineRead::kNothing) << path;
+    EXPECT_EQ(text, "") << path;
+    EXPECT_FALSE(readFile(path, &(text = "before")).ok()) << path;
+    EXPECT_EQ(text, "") << path;
   }
-  (void)close(directory);
-  const DescriptorLimit none(0);
-  EXPECT_EQ(readFirstLine("/tmp/line", &line), LineRead::kError);
-  EXPECT_EQ(errno, EMFILE);
+  EXPECT_EQ(readFirstLine("more", &text), LineRead::kError);
+  EXPECT_EQ(text, "");
+  EXPECT_FALSE(readFile("huge", &text).ok());
+  EXPECT_EQ(text, "");
+  EXPECT_TRUE(writeLines("lines", {"a", "", "b\0c"s}).ok());
+  expectFile(host, "lines", "a\n\nb\n", 0640);
+  EXPECT_EQ(writeLines("fifo", {"x"}).code(), kOpenFailed);
 }
 
 TEST(DirectoryListing, KindsOfEntries) {
-  TestHost host;
-  host.file("/tmp/d/dir/x", "").file("/tmp/d/file", "").link("/tmp", "/tmp/d/to-dir");
-  host.link("tmp/d/file", "/tmp/d/from-here").link("file", "/tmp/d/from-there");
-  host.link("/dev/null", "/tmp/d/to-device");
-  const DirectoryListing listing = listDirectory("/tmp/d");
-  using Names = std::vector<std::string>;
-  EXPECT_TRUE(listing.status.ok());
-  EXPECT_EQ(listing.subdirectories, Names{"dir"});
-  EXPECT_EQ(listing.files, Names{"file"});
-  EXPECT_EQ(listing.file_links, Names{"from-here"});
-  EXPECT_EQ(listing.directory_links, Names{"to-dir"});
-  EXPECT_EQ(listing.others, Names{"to-device"});
-  EXPECT_EQ(listDirectory("/tmp/d/file").status.code(), kOpendirFailed);
+  FileHost host;
+  host.file("d/dir/x", "").file("d/file", "").link("/tmp", "d/to-dir");
+  host.link("d/file", "d/from-here").link("file", "d/from-there").link("/dev/null", "d/to-device");
+  const auto& [status, directories, files, file_links, directory_links, others] =
+      listDirectory("d");
+  EXPECT_TRUE(status.ok());
+  EXPECT_EQ((std::vector{directories, files, file_links, directory_links, others}),
+            (std::vector<Lines>{{"dir"}, {"file"}, {"from-here"}, {"to-dir"}, {"to-device"}}));
+  EXPECT_EQ(listDirectory("d/file").status.code(), kOpendirFailed);
 }
 
 TEST(ReplaceFile, ModesUnderUmasks) {
@@ -219,17 +191,17 @@ TEST(ReplaceFile, ModesUnderUmasks) {
     mode_t umask;
     mode_t old;  // 0: there is none
     std::optional<mode_t> given;
-    mode_t after;
-  } cases[] = {{0, 0, {}, 0644},     {022, 0, {}, 0644},      {077, 0, {}, 0600},
-               {0, 0606, {}, 0606},  {022, 0666, {}, 0644},   {077, 0777, {}, 0700},
-               {077, 0, 0666, 0666}, {077, 0600, 0640, 0640}, {0, 0666, 0640, 0640}};
+    const char* after;
+  } cases[] = {{0, 0, {}, "644"},     {022, 0, {}, "644"},      {077, 0, {}, "600"},
+               {0, 0606, {}, "606"},  {022, 0666, {}, "644"},   {077, 0777, {}, "700"},
+               {077, 0, 0666, "666"}, {077, 0600, 0640, "640"}, {0, 0666, 0640, "640"}};
   for (const auto& c : cases) {
-    TestHost host;
-    if (c.old != 0) host.file("/tmp/file", "old", c.old);
+    SCOPED_TRACE(&c - cases);
+    FileHost host;
+    if (c.old != 0) host.file("file", "old", c.old);
     const Umask mask(c.umask);
-    EXPECT_TRUE(replaceFile("/tmp/file", "new", c.given).ok());
-    expectFile(host, "/tmp/file", "new", c.after);
-    EXPECT_TRUE(isMissing("/tmp/file.temp"));
+    EXPECT_TRUE(replaceFile("file", "new", c.given).ok());
+    host.expectTree({std::string("file ") + c.after + " new"});
   }
 }
 
@@ -239,123 +211,96 @@ const std::string kAccessList =
     "\20\0\4\0\xff\xff\xff\xff\40\0\0\0\xff\xff\xff\xff"s;
 
 TEST(ReplaceFile, KeepsOwnersAndAttributes) {
-  TestHost host;
-  host.file("/tmp/file", "old", 0640);
+  FileHost host;
+  host.file("file", "old", 0640);
+  const auto setList = [](const char* path, const char* name) {
+    return setxattr(path, name, kAccessList.data(), kAccessList.size(), 0) == 0;
+  };
+  (void)setxattr("file", "user.color", "red", 3, 0);  // not every file system has these
   // Without root on the machine there is nobody to give the file to.
-  const bool root = chown("/tmp/file", 65534, 65534) == 0;
-  const bool listed = root && setxattr("/tmp/file", "system.posix_acl_access", kAccessList.data(),
-                                       kAccessList.size(), 0) == 0;
-  const bool attributed = setxattr("/tmp/file", "user.color", "red", 3, 0) == 0;
+  const bool listed =
+      chown("file", 65534, 65534) == 0 && setList("file", "system.posix_acl_access");
+  const std::string before = attributesOf("file");
   for (const bool rewritten : {false, true}) {
-    const auto change = [](std::string_view old) { return std::string(old) + "er"; };
-    expectAll(kSuccess,
-              {rewritten ? rewriteFile("/tmp/file", change) : replaceFile("/tmp/file", "new")});
-    expectFile(host, "/tmp/file", rewritten ? "newer" : "new", 0640);
-    EXPECT_EQ(attributeOf("/tmp/file", "user.color"), attributed ? "red" : "none");
-    EXPECT_EQ(attributeOf("/tmp/file", "system.posix_acl_access"), listed ? kAccessList : "none");
-    struct stat found {};
-    EXPECT_EQ(stat("/tmp/file", &found), 0);
-    EXPECT_EQ(found.st_uid, root ? 65534 : geteuid());
-    EXPECT_EQ(found.st_gid, root ? 65534 : getegid());
+    expectAll(kSuccess, {rewritten ? rewriteFile("file", longer) : replaceFile("file", "new")});
+    expectFile(host, "file", rewritten ? "newer" : "new", 0640);
+    EXPECT_EQ(attributesOf("file"), before);
   }
   // An access list that the directory gives to new files is not that of the old one.
-  if (!listed ||
-      setxattr("/tmp", "system.posix_acl_default", kAccessList.data(), kAccessList.size(), 0) != 0)
-    return;
-  (void)removexattr("/tmp/file", "system.posix_acl_access");
-  EXPECT_TRUE(replaceFile("/tmp/file", "new").ok());
-  EXPECT_EQ(attributeOf("/tmp/file", "system.posix_acl_access"), "none");
-  EXPECT_EQ(removexattr("/tmp", "system.posix_acl_default"), 0);
+  if (!listed || !setList(".", "system.posix_acl_default")) return;
+  EXPECT_EQ(removexattr("file", "system.posix_acl_access"), 0);
+  const std::string unlisted = attributesOf("file");
+  EXPECT_TRUE(replaceFile("file", "new").ok());
+  EXPECT_EQ(attributesOf("file"), unlisted);
+  EXPECT_EQ(removexattr(".", "system.posix_acl_default"), 0);
 }
 
 TEST(ReplaceFile, WhatIsInItsPlace) {
-  TestHost host;
-  host.file("/tmp/private", "kept", 0600).link("private", "/tmp/link").link("loop", "/tmp/loop");
-  host.file("/tmp/victim", "kept").link("victim", "/tmp/link.temp").link("none", "/tmp/dead");
-  host.file("/tmp/dead.temp", "left by an earlier run").block("/tmp/dir").block("/tmp/x.temp");
-  host.file("/tmp/x", "kept").link("private", "/tmp/again").link("none", "/tmp/unseen");
-  ASSERT_EQ(mkfifo("/tmp/fifo", 0606), 0);
-  for (const auto& [path, mode] : {std::pair{"/tmp/link", 0600U},
-                                   {"/tmp/loop", 0644U},
-                                   {"/tmp/dead", 0644U},
-                                   {"/tmp/fifo", 0644U}}) {
-    EXPECT_TRUE(replaceFile(path, "new").ok()) << path;
-    EXPECT_TRUE(isRealFile(path)) << path;
-    expectFile(host, path, "new", mode);
-  }
-  const auto change = [](std::string_view old) { return std::string(old) + "er"; };
-  expectAll(kOpenFailed, {replaceFile("/tmp/dir", "new"), replaceFile("/tmp/x", "new"),
-                          replaceFile("/tmp/no/file", "new"), rewriteFile("/tmp/no/file", change)});
-  EXPECT_EQ(rewriteFile("/tmp", change).code(), kReadFailed);
-  expectAll(kSuccess, {rewriteFile("/tmp/again", change), rewriteFile("/tmp/missing", change),
-                       rewriteFile("/tmp/unseen", change)});
-  expectFile(host, "/tmp/again", "kepter", 0600);
-  EXPECT_TRUE(isRealFile("/tmp/again"));
-  expectFile(host, "/tmp/missing", "er", 0644);
-  expectFile(host, "/tmp/unseen", "er", 0644);
-  EXPECT_TRUE(isMissing("/tmp/dir.temp"));
-  EXPECT_EQ(host.read("/tmp/private") + host.read("/tmp/victim") + host.read("/tmp/x"),
-            "keptkeptkept");
+  FileHost host;
+  host.file("private", "kept", 0600).link("private", "link").link("private", "again");
+  host.file("victim", "kept").link("victim", "link.temp").link("loop", "loop").link("none", "dead");
+  host.file("dead.temp", "left by an earlier run").link("none", "unseen").block("dir");
+  host.file("x", "kept").block("x.temp");
+  ASSERT_EQ(mkfifo("fifo", 0606), 0);
+  expectAll(kSuccess,
+            {replaceFile("link", "new"), replaceFile("loop", "new"), replaceFile("dead", "new"),
+             replaceFile("fifo", "new"), rewriteFile("again", longer),
+             rewriteFile("missing", longer), rewriteFile("unseen", longer)});
+  expectAll(kOpenFailed, {replaceFile("dir", "new"), replaceFile("x", "new"),
+                          replaceFile("no/file", "new"), rewriteFile("no/file", longer)});
+  EXPECT_EQ(rewriteFile(".", longer).code(), kReadFailed);
+  host.expectTree({"again 600 kepter", "dead 644 new", "dir 755/", "dir/in-its-place 644 ",
+                   "fifo 644 new", "link 600 new", "loop 644 new", "missing 644 er",
+                   "private 600 kept", "unseen 644 er", "victim 644 kept", "x 644 kept",
+                   "x.temp 755/", "x.temp/in-its-place 644 "});
 }
 
 TEST(ReplaceFile, InPlaceWithoutRoom) {
-  TestHost host;
-  const SmallDisk disk("/tmp/fs");
+  FileHost host;
+  const SmallDisk disk("fs");
   const std::string old(50000, 'o');
-  host.file("/tmp/fs/file", old, 0604).file("/tmp/fs/filler", std::string(8192, 'f'));
-  const ino_t inode = inodeOf("/tmp/fs/file");
+  host.file("fs/file", old, 0604).file("fs/filler", std::string(8192, 'f'));
   // Begins to overwrite the file, and finds no room for all of it.
-  EXPECT_EQ(replaceFile("/tmp/fs/file", std::string(70000, 'n')).code(), kWriteFailed);
-  EXPECT_TRUE(host.read("/tmp/fs/file") == old);
+  EXPECT_EQ(replaceFile("fs/file", std::string(70000, 'n')).code(), kWriteFailed);
+  EXPECT_TRUE(host.read("fs/file") == old);
   for (const std::string& text : {std::string(50001, 'm'), "short"s}) {
-    EXPECT_TRUE(replaceFile("/tmp/fs/file", text, 0640).ok());
-    expectFile(host, "/tmp/fs/file", text, 0640);
-    EXPECT_EQ(inodeOf("/tmp/fs/file") == inode, text.size() > 5) << text.size();
-    EXPECT_TRUE(isMissing("/tmp/fs/file.temp"));
+    EXPECT_TRUE(replaceFile("fs/file", text, 0640).ok());
+    expectFile(host, "fs/file", text, 0640);
   }
-  host.file("/tmp/fs/filler", std::string(60000, 'f'));
-  EXPECT_EQ(replaceFile("/tmp/fs/new", old).code(), kWriteFailed);
-  EXPECT_TRUE(isMissing("/tmp/fs/new") && isMissing("/tmp/fs/new.temp"));
+  host.file("fs/filler", std::string(60000, 'f'));
+  EXPECT_EQ(replaceFile("fs/new", old).code(), kWriteFailed);
+  host.remove("fs/filler");
+  host.expectTree({"fs 1777/", "fs/file 640 short"});
 }
 
 TEST(ReplaceFile, InPlaceWithoutTheDirectory) {
-  TestHost host;
-  host.file("/tmp/dir/file", "longer", 0622).file("/tmp/dir/victim", "kept", 0666);
-  host.link("victim", "/tmp/dir/link").file("/tmp/dir/others", "kept", 0644);
-  host.file("/tmp/dir/file.temp", "left by an earlier run");
-  host.file("/tmp/open/file", "of root's group", 0664);
-  EXPECT_TRUE(changeMode("/tmp/open", 0777).ok());
-  const ino_t inode = inodeOf("/tmp/dir/file");
+  FileHost host;
+  host.file("file", "longer", 0622).file("victim", "kept", 0666).link("victim", "link");
+  host.file("others", "kept").file("file.temp", "left by an earlier run");
+  host.file("open/file", "of root's group", 0664);
+  EXPECT_TRUE(changeMode("open", 0777).ok());
   // Without root on the machine there is no other user to become.
   if (setegid(65534) + seteuid(65534) != 0) GTEST_SKIP() << "no other user here";
-  const Status results[] = {
-      replaceFile("/tmp/dir/file", "new"),          replaceFile("/tmp/dir/file", "newer", 0622),
-      replaceFile("/tmp/dir/file", "newest", 0644), replaceFile("/tmp/dir/link", "new", 0666),
-      replaceFile("/tmp/dir/others", "new"),        replaceFile("/tmp/dir/missing", "new"),
-      replaceFile("/tmp/open/file", "new")};
+  expectAll(kSuccess, {replaceFile("file", "new"), replaceFile("file", "newer", 0622),
+                       replaceFile("open/file", "new")});
+  EXPECT_EQ(replaceFile("file", "newest", 0644).code(), kWriteFailed);  // not the owner
+  expectAll(kOpenFailed, {replaceFile("link", "new", 0666), replaceFile("others", "new"),
+                          replaceFile("missing", "new")});
   ASSERT_EQ(seteuid(0) + setegid(0), 0);
-  expectAll(kSuccess, {results[0], results[1], results[6]});
-  EXPECT_EQ(results[2].code(), kWriteFailed);  // not the owner
-  expectAll(kOpenFailed, {results[3], results[4], results[5]});
-  expectFile(host, "/tmp/dir/file", "newer", 0622);
-  EXPECT_EQ(host.read("/tmp/dir/victim") + host.read("/tmp/dir/others"), "keptkept");
-  expectFile(host, "/tmp/open/file", "new", 0604);
-  EXPECT_EQ(inodeOf("/tmp/dir/file"), inode);
+  host.expectTree({"file 622 newer", "file.temp 644 left by an earlier run", "link -> victim",
+                   "open 777/", "open/file 604 new", "others 644 kept", "victim 666 kept"});
 }
 
 TEST(ReplaceFile, ManyStopAtTheFirstFailure) {
-  TestHost host;
-  host.file("/tmp/a", "old", 0600).block("/tmp/c").file("/tmp/d/x", "");
-  EXPECT_TRUE(replaceFiles({}).ok());
-  const std::vector<FileContent> good = {{"/tmp/a", "1", 0640}, {"/tmp/d/b", "2", 0666}};
-  EXPECT_TRUE(replaceFiles(good).ok());
-  expectFile(host, "/tmp/a", "1", 0640);
-  expectFile(host, "/tmp/d/b", "2", 0666);
-  for (const char* path : {"/tmp/c", "/tmp/none/c", ""}) {
-    const std::vector<FileContent> bad = {{"/tmp/a", "3", 0640}, {path, "4", 0666}};
-    EXPECT_EQ(replaceFiles(bad).code(), *path == '\0' ? kInvalidArgument : kOpenFailed) << path;
-    EXPECT_EQ(host.read("/tmp/a"), "1");
-    EXPECT_TRUE(isMissing("/tmp/a.temp"));
+  FileHost host;
+  host.file("a", "old", 0600).block("c");
+  const std::vector<FileContent> good = {{"a", "1", 0640}, {"c/b", "2", 0666}};
+  expectAll(kSuccess, {replaceFiles({}), replaceFiles(good)});
+  for (const char* path : {"c", "none/c", ""}) {
+    SCOPED_TRACE(path);
+    const std::vector<FileContent> bad = {{"a", "3", 0640}, {path, "4", 0666}};
+    EXPECT_EQ(replaceFiles(bad).code(), *path == '\0' ? kInvalidArgument : kOpenFailed);
+    host.expectTree({"a 640 1", "c 755/", "c/b 666 2", "c/in-its-place 644 "});
   }
 }
 
@@ -363,35 +308,24 @@ TEST(ReplaceFile, ManyStopAtTheFirstFailure) {
 // flushed afterwards.
 TEST(ReplaceFile, FlushesBeforeAndAfterTheMove) {
   TestHost host;
-  host.file("/tmp/d/sub/deep", "").file("/tmp/e/line", "line\n").link("/tmp/e", "/tmp/d/link");
+  host.file("/tmp/d/one", "old").file("/tmp/e/line", "line\n");
+  host.file("/tmp/t/sub/deep", "").link("/tmp/e", "/tmp/t/link");
   const SmallDisk disk("/tmp/fs");
   const Outcome child = host.run("/usr/bin/strace -y -o /run/trace " + fileCalls() + " record");
   if (child.err.find("ptrace") != std::string::npos) GTEST_SKIP() << "no tracing: " << child.err;
   ASSERT_EQ(child.exit, 0) << child.err;
-  std::vector<std::string> flushes;
-  std::string reads, created;
-  std::ifstream trace("/run/trace");
-  const std::regex flush("(fsync|syncfs|rename)\\((\\d+<|.*, \")([^>\"]*).*= 0");
-  for (std::string line; std::getline(trace, line);) {
-    std::smatch parts;
-    if (std::regex_match(line, parts, flush)) flushes.push_back(parts.str(1) + " " + parts.str(3));
-    if (line.find("/tmp/e/line") != line.npos) reads += line.substr(0, line.find('('));
-    for (const char* name : {"/tmp/d/one.temp\"", "/tmp/e/unique."})
-      if (line.find("O_CREAT") != line.npos && line.find(name) != line.npos) created += line;
-  }
-  ASSERT_EQ(flushes.size(), 14U);
-  std::sort(flushes.begin() + 9, flushes.end() - 1);  // in the order of the directory's entries
-  EXPECT_EQ(flushes, (std::vector<std::string>{
-                         "fsync /tmp/d/one.temp", "rename /tmp/d/one", "fsync /tmp/d",  //
-                         "syncfs /tmp/d", "rename /tmp/d/two", "rename /tmp/e/three",
-                         "syncfs /tmp/d",                        //
-                         "fsync /tmp/fs/four", "fsync /tmp/fs",  // in place
-                         "fsync /tmp/d/one", "fsync /tmp/d/sub", "fsync /tmp/d/sub/deep",
-                         "fsync /tmp/d/two", "fsync /tmp/d"}));
-  EXPECT_EQ(reads, "openatreadclose");
-  EXPECT_TRUE(std::regex_search(
-      created, std::regex("WRONLY.*EXCL.*CLOEXEC, 0600.*RDWR.*EXCL.*CLOEXEC, 0644")))
-      << created;
+  const char* const what_counts = R"sh(sed -nE '
+    s/^(fsync|syncfs)\(.*<(.*)>.* = 0/\1 \2/p
+    s/^rename\(.*, "(.*)".* = 0/rename \1/p
+    s/^(openat|read|close)\(.*\/tmp\/e\/line.*/\1 line/p
+    s/^openat\(.*"(.*)\.\w*", (\w*).*EXCL.*CLOEXEC, (\w*)\).*/new \1 \2 \3/p' /run/trace)sh";
+  EXPECT_EQ(host.runWords({"/bin/sh", "-c", what_counts}).out,
+            "new /tmp/d/one O_WRONLY 0600\nfsync /tmp/d/one.temp\nrename /tmp/d/one\n"
+            "fsync /tmp/d\nnew /tmp/d/two O_WRONLY 0600\nnew /tmp/e/three O_WRONLY 0600\n"
+            "syncfs /tmp/d\nrename /tmp/d/two\nrename /tmp/e/three\nsyncfs /tmp/d\n"
+            "new /tmp/fs/four O_WRONLY 0600\nfsync /tmp/fs/four\nfsync /tmp/fs\n"  // in place
+            "fsync /tmp/t/sub/deep\nfsync /tmp/t/sub\nfsync /tmp/t\n"
+            "openat line\nread line\nclose line\nnew /tmp/e/unique O_RDWR 0644\n");
 }
 
 TEST(UniqueFile, NameModeAndAttempts) {
@@ -415,102 +349,91 @@ TEST(UniqueFile, NameModeAndAttempts) {
 }
 
 TEST(RemoveTree, RemovesAllAndFollowsNothing) {
-  TestHost host;
-  host.file("/tmp/outside/keep", "kept").link("/tmp/outside", "/tmp/link");
-  for (const bool whole : {true, false}) {
-    const auto remove = [whole](const char* path) {
-      return whole ? removeTree(path) : emptyDirectory(path);
-    };
-    host.file("/tmp/tree/sub/file", "x").link("/tmp/outside", "/tmp/tree/sub/link");
-    EXPECT_TRUE(remove("/tmp/tree/").ok());
-    EXPECT_EQ(isRealDirectory("/tmp/tree"), !whole);
-    EXPECT_TRUE(remove("/tmp/none").ok());
-  }
-  EXPECT_EQ(emptyDirectory("/tmp/link/").code(), kOpendirFailed);
-  EXPECT_TRUE(removeTree("/tmp/link/").ok());
-  EXPECT_TRUE(isMissing("/tmp/link"));
+  FileHost host;
+  host.file("outside/keep", "kept").file("tree/sub/file", "x").file("kept/sub/file", "x");
+  host.link("../../outside", "tree/sub/link")
+      .link("../outside", "kept/link")
+      .link("outside", "link");
+  expectAll(kSuccess, {removeTree("tree/"), removeTree("none"), emptyDirectory("kept/"),
+                       emptyDirectory("none")});
+  EXPECT_EQ(emptyDirectory("link/").code(), kOpendirFailed);
+  EXPECT_TRUE(removeTree("link/").ok());
+  host.expectTree({"kept 755/", "outside 755/", "outside/keep 644 kept"});
 
   // A directory that is exchanged for a link again and again while it is being removed.
   std::atomic<bool> done{false};
   std::thread other([&] {
-    while (!done) (void)renameat2(-1, "/tmp/tree/entry", -1, "/tmp/spare", RENAME_EXCHANGE);
+    while (!done) (void)renameat2(AT_FDCWD, "tree/entry", AT_FDCWD, "spare", RENAME_EXCHANGE);
   });
   for (int round = 0; round < 1000; ++round) {
-    (void)makeDirectory("/tmp/tree", 0755);
-    (void)makeDirectory("/tmp/tree/entry", 0755);
-    (void)removeTree("/tmp/spare");
+    (void)makeDirectory("tree", 0755);
+    (void)makeDirectory("tree/entry", 0755);
+    (void)removeTree("spare");
     // The other may have come in between; then this round is lost.
-    if (symlink("/tmp/outside", "/tmp/spare") == 0) (void)removeTree("/tmp/tree");
+    if (symlink("outside", "spare") == 0) (void)removeTree("tree");
   }
   done = true;
   other.join();
-  EXPECT_EQ(host.read("/tmp/outside/keep"), "kept");
+  EXPECT_EQ(host.read("outside/keep"), "kept");
 }
 
 TEST(RemoveTree, LastEntry) {
-  TestHost host;
+  FileHost host;
   for (const char* name : {"a", "m", "z"}) {
-    host.file("/tmp/tree/a", "").file("/tmp/tree/m", "").file("/tmp/tree/z", "");
-    host.file("/tmp/tree/sub/"s + name, "");
+    host.file("tree/a", "").file("tree/m", "").file("tree/z", "").file("tree/sub/"s + name, "");
     {
-      const SmallDisk disk("/tmp/tree/busy");  // cannot be removed
-      const Status refused = emptyDirectory("/tmp/tree", name);
+      const SmallDisk disk("tree/busy");  // cannot be removed
+      const Status refused = emptyDirectory("tree", name);
       EXPECT_EQ(refused.code(), kRmdirFailed);
-      EXPECT_EQ(refused.cause(), "rmdir /tmp/tree/busy: Device or resource busy");
-      EXPECT_TRUE(host.exists("/tmp/tree/"s + name));
+      EXPECT_EQ(refused.cause(), "rmdir /opt/vrx/profiles/tree/busy: Device or resource busy");
+      EXPECT_TRUE(host.exists("tree/"s + name));
     }
-    EXPECT_TRUE(emptyDirectory("/tmp/tree", name).ok());
-    EXPECT_TRUE(removeEmptyDirectory("/tmp/tree").ok());
+    expectAll(kSuccess, {emptyDirectory("tree", name), removeEmptyDirectory("tree")});
   }
 }
 
 TEST(RemoveTree, NeedsNeitherStackNorDescriptorsForTheDepth) {
-  const TestHost host;
+  const FileHost host;
   for (int level = 0; level < 4000; ++level) {
-    for (const char* name : {"/tmp/above", "/tmp/above/b"})
-      EXPECT_TRUE(makeDirectory(name, 0755).ok());
-    EXPECT_EQ(level > 0 ? rename("/tmp/deep", "/tmp/above/a") : 0, 0);
-    EXPECT_EQ(rename("/tmp/above", "/tmp/deep"), 0);
+    expectAll(kSuccess, {makeDirectory("above", 0755), makeDirectory("above/b", 0755)});
+    EXPECT_EQ(level > 0 ? rename("deep", "above/a") : 0, 0);
+    EXPECT_EQ(rename("above", "deep"), 0);
   }
-  const DescriptorLimit few(64);
-  EXPECT_EQ(host.runWords({"/bin/sh", "-c", "ulimit -s 256; exec " + fileCalls() + " remove"}).exit,
-            0);
-  EXPECT_TRUE(isMissing("/tmp/deep"));
+  const std::string remove = "ulimit -s 256; ulimit -n 64; exec " + fileCalls() + " remove";
+  EXPECT_EQ(host.runWords({"/bin/sh", "-c", remove}).exit, 0);
+  host.expectTree({});
 }
 
 TEST(LockFile, NeverTwoHolders) {
-  TestHost host;
-  const Umask before(022);  // the threads' changes of it mix
-  host.file("/tmp/dir/x", "").link("dir", "/tmp/link");
+  FileHost host;
+  const Umask before(022);
+  host.file("dir/x", "").link("dir", "link");
   {
-    const LockFile lock("/tmp/link/", "some/dir\\n", Blocking::kNo);
-    EXPECT_EQ(LockFile("/tmp/link/", "n", Blocking::kNo).state(), LockState::kBusy);
+    const LockFile lock("link/", "some/dir\\n", Blocking::kNo);
+    EXPECT_EQ(LockFile("link/", "n", Blocking::kNo).state(), LockState::kBusy);
     EXPECT_TRUE(lock.held());
-    EXPECT_EQ(host.mode("/tmp/dir/n.lock"), 0666U);
     (void)umask(077);
-    const LockFile shared("/tmp/dir/", "shared", Blocking::kYes);
-    const LockFile own("/tmp/dir/", "own", Blocking::kYes, 0600);
-    EXPECT_EQ(host.mode("/tmp/dir/shared.lock"), 0666U);
-    EXPECT_EQ(host.mode("/tmp/dir/own.lock"), 0600U);
+    const LockFile own("dir/", "own", Blocking::kYes, 0600);
+    const LockFile shared("dir/", "shared", Blocking::kYes);
     EXPECT_EQ(umask(022), 077U);
+    host.expectTree({"dir 755/", "dir/n.lock 666 ", "dir/own.lock 600 ", "dir/shared.lock 666 ",
+                     "dir/x 644 ", "link -> dir"});
   }
-  EXPECT_FALSE(host.exists("/tmp/dir/n.lock"));
+  host.expectTree({"dir 755/", "dir/x 644 ", "link -> dir"});
 }
 
-TEST(LockFile, NotWhereOthersRule) {
-  TestHost host;
-  host.file("/tmp/dir/x", "").link("/tmp/file", "/tmp/dir/link.lock").file("/tmp/file", "kept");
-  host.block("/tmp/dir/blocked.lock").link("/tmp/dir", "/tmp/others-link");
-  const auto expectNone = [](const char* directory, const char* name) {
-    EXPECT_EQ(LockFile(directory, name, Blocking::kYes).state(), LockState::kUnavailable) << name;
+TEST(LockFile, OnlyInARegularFileOfATrustedDirectory) {
+  FileHost host;
+  host.file("dir/x", "").link("dir", "to-dir").link("x", "dir/link.lock").block("dir/blocked.lock");
+  const auto state = [](const char* directory, const char* name) {
+    return LockFile(directory, name, Blocking::kYes).state();
   };
-  for (const char* name : {"", "link", "blocked"}) expectNone("/tmp/dir/", name);
-  expectNone("/tmp/no/", "n");
-  // Without root on the machine there is nobody else.
-  if (lchown("/tmp/others-link", 65534, 0) != 0) return;
-  expectNone("/tmp/others-link/", "n");
-  EXPECT_EQ(chown("/tmp/dir", 65534, 0), 0);
-  expectNone("/tmp/dir/", "n");
+  for (const char* name : {"", "link", "blocked"})
+    EXPECT_EQ(state("dir/", name), LockState::kUnavailable) << name;
+  // Without root on the machine, nobody else can own the directory.
+  if (chown("dir", 65534, 0) != 0) return;
+  for (const char* directory : {"dir/", "to-dir/", "no/"})
+    EXPECT_EQ(state(directory, "n"), LockState::kUnavailable) << directory;
 }
 
 TEST(ProgramDirectories, FromTheEnvironment) {

@@ -4,8 +4,11 @@
 #include <sched.h>
 #include <sys/mman.h>
 
-namespace tunadm {
+#include <algorithm>
 
+#include "fundkit/ScopedFd.h"
+
+namespace tunadm {
 namespace {
 
 namespace fs = std::filesystem;
@@ -44,13 +47,6 @@ std::vector<std::string> split(std::string line) {
                      (user == RunAs::kRoot || becomeOrdinaryUser());
   if (ready) execv(arguments[0], arguments.data());
   _exit(kNotStarted);
-}
-
-// Reads a file that has no name, and lets it go.
-std::string takeOutput(const TestHost& host, int file) {
-  std::string text = host.read("/proc/self/fd/" + std::to_string(file));
-  (void)close(file);  // was only read from
-  return text;
 }
 
 }  // namespace
@@ -124,6 +120,23 @@ mode_t TestHost::mode(const std::string& path) const {
   return stat(located(path).c_str(), &entry) == 0 ? entry.st_mode & 07777 : 0;
 }
 
+std::vector<std::string> TestHost::tree(const std::string& directory) const {
+  std::vector<std::string> lines;
+  for (const fs::directory_entry& entry : fs::recursive_directory_iterator(directory)) {
+    std::ostringstream line;
+    line << entry.path().string().substr(directory.size() + 1) << ' ';
+    if (entry.is_symlink()) {
+      line << "-> " << fs::read_symlink(entry).string();
+    } else {
+      line << std::oct << mode(entry.path()) << (entry.is_directory() ? "/" : " ");
+      if (entry.is_regular_file()) line << read(entry.path());
+    }
+    std::ranges::replace(lines.emplace_back(line.str()), '\n', '|');
+  }
+  std::ranges::sort(lines);
+  return lines;
+}
+
 std::map<std::string, std::string> TestHost::files() const {
   std::map<std::string, std::string> found;
   for (const auto& entry : fs::recursive_directory_iterator(kProfiles))
@@ -136,11 +149,11 @@ Outcome TestHost::run(const std::string& line, RunAs user) const {
 }
 
 Outcome TestHost::runWords(const std::vector<std::string>& words, RunAs user) const {
-  // Files without a name take any amount of output, so nobody need read while the child writes.
-  const int out = memfd_create("out", MFD_CLOEXEC);
-  const int err = memfd_create("err", MFD_CLOEXEC);
+  // Files without a name take any amount of output, so nothing need be read while the child writes.
+  const ScopedFd out(memfd_create("out", MFD_CLOEXEC));
+  const ScopedFd err(memfd_create("err", MFD_CLOEXEC));
   const pid_t child = fork();
-  if (child == 0) becomeProgram(words, user, out, err);
+  if (child == 0) becomeProgram(words, user, out.get(), err.get());
   int status = 0;
   EXPECT_GT(child, 0) << "not run: " << words[0];
   EXPECT_EQ(waitpid(child, &status, 0), child) << words[0];
@@ -148,8 +161,8 @@ Outcome TestHost::runWords(const std::vector<std::string>& words, RunAs user) co
   if (WIFSIGNALED(status)) outcome.signal = WTERMSIG(status);
   if (WIFEXITED(status)) outcome.exit = WEXITSTATUS(status);
   EXPECT_NE(outcome.exit, kNotStarted) << "not run: " << words[0];
-  outcome.out = takeOutput(*this, out);
-  outcome.err = takeOutput(*this, err);
+  outcome.out = read("/proc/self/fd/" + std::to_string(out.get()));
+  outcome.err = read("/proc/self/fd/" + std::to_string(err.get()));
   return outcome;
 }
 

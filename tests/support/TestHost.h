@@ -63,6 +63,9 @@ class TestHost {
   std::string read(const std::string& path) const;
   bool exists(const std::string& path) const;
   mode_t mode(const std::string& path) const;
+  // What lies below a directory, in order: "<path> <mode> <content>" for a plain file, its line
+  // feeds as '|', "<path> <mode>/" for a directory, and "<path> -> <target>" for a link.
+  std::vector<std::string> tree(const std::string& directory) const;
   // The contents of all plain files of the store, by path.
   std::map<std::string, std::string> files() const;
 
