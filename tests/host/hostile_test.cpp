@@ -3,12 +3,13 @@
 #include <sys/mount.h>
 #include <sys/sysmacros.h>
 
+#include "fundkit/ScopedFd.h"
 #include "tests/support/TestHost.h"
 
 namespace tunadm {
 namespace {
 
-using namespace std::string_view_literals;
+using namespace std::literals;
 
 // Runs tunadm in a shell that has done `before`. A run that does not end is taken for a failed one.
 Outcome run(const TestHost& host, const std::string& before, const std::string& line,
@@ -73,29 +74,23 @@ const char kOutside[] =
     "-printf '%p %y %m %U %G %s %C@\\n'";
 
 TEST(Hostile, TrapsAtPathsThatOthersWriteTo) {
-  for (const std::string path :
-       {"/opt/vrx/profiles/.current", "/tmp/lock", "/tmp/lock/profiles.lock"}) {
-    const bool is_marker = path.ends_with(".current");
+  const std::string marker = "/opt/vrx/profiles/.current";
+  for (const std::string& path : {marker, "/tmp/lock"s, "/tmp/lock/profiles.lock"s}) {
     for (const auto& [name, set] : kTraps) {
       Store host;
       host.file("/victim/hip.conf", "kept", 0600).file("/victim/hipvars.txt", "kept");
       host.file("/victim/profile_name", "victim\n").file("/victim/ca-certs/x", "kept");
-      if (!is_marker) {
+      for (const std::string& line : kCommands) {
+        SCOPED_TRACE(testing::Message() << path << ", " << name << ", " << line);
+        std::filesystem::remove_all(path);
+        host.fill();
         std::filesystem::remove_all(path);
         // Only root makes devices and gives files away, and what root owns is believed.
-        if (!set(path.c_str()) || lchown(path.c_str(), 1000, 1000) != 0) continue;
-      }
-      const std::string before = shell(host, kOutside);
-      for (const std::string& line : kCommands) {
-        if (is_marker) {
-          std::filesystem::remove_all(path);
-          host.fill();
-          std::filesystem::remove(path);
-          if (!set(path.c_str())) break;
-        }
-        SCOPED_TRACE(testing::Message() << path << ", " << name << ", " << line);
+        if (!set(path.c_str()) || (path != marker && lchown(path.c_str(), 1000, 1000) != 0)) break;
+        const std::string before = shell(host, kOutside);
         const Outcome outcome = run(host, "", line);
         EXPECT_EQ(outcome.exit, 0);
+        EXPECT_EQ(shell(host, kOutside), before);
         if (path == "/tmp/lock" && line == kCommands[0]) {
           EXPECT_EQ(
               outcome.err,
@@ -106,7 +101,6 @@ TEST(Hostile, TrapsAtPathsThatOthersWriteTo) {
           EXPECT_EQ(host.read(".current"), "two\n");
         }
       }
-      EXPECT_EQ(shell(host, kOutside), before) << path << ", " << name;
     }
   }
 }
@@ -196,65 +190,55 @@ TEST(Hostile, ASetUserIdProgramRefuses) {
 TEST(Hostile, TheLockIsWhereTheEnvironmentSays) {
   for (const std::string directory : {"/tmp/lock", "/run/tunadm"}) {
     Store host;
-    host.remove("/tmp/lock");
+    host.file(directory + "/profiles.lock", "");
     const std::string set = directory == "/tmp/lock" ? "" : "export VRX_LOCK_DIR=" + directory;
-    EXPECT_EQ(run(host, set, "profile rename two new_name=x").out, "profile_name: x\n");
-    EXPECT_EQ(host.mode(directory), 0750u);
-    EXPECT_EQ(host.exists("/tmp/lock"), directory == "/tmp/lock");
-    const int file = open((directory + "/profiles.lock").c_str(), O_RDWR | O_CREAT, 0666);
-    EXPECT_EQ(flock(file, LOCK_EX), 0);
-    const std::string in_time = set + "\nE='timeout 0.2'";
-    EXPECT_EQ(run(host, in_time, "profile rename x new_name=y").exit, 124) << directory;
-    EXPECT_EQ(close(file), 0);
-    EXPECT_EQ(run(host, set, "profile rename x new_name=y").out, "profile_name: y\n");
+    ScopedFd file(open((directory + "/profiles.lock").c_str(), O_RDWR | O_CLOEXEC));
+    EXPECT_EQ(flock(file.get(), LOCK_EX), 0);
+    EXPECT_EQ(run(host, set + "\nE='timeout 0.2'", kCommands[1]).exit, 124) << directory;
+    EXPECT_EQ(file.close(), 0);
+    EXPECT_EQ(run(host, set, kCommands[1]).out, "profile_name: two\n") << directory;
   }
 }
 
-// The hexadecimal digits of a failure's code, none of a success.
-std::string codeIn(const std::string& out) {
-  const std::size_t begin = out.find("status_code: 0x");
-  return begin == out.npos ? "" : out.substr(begin + 15, 8);
-}
+// What stands before and after a command line in the shell.
+const std::string kTroubles[][2] = {
+    {"mount -t tmpfs -o ro none /tmp/lock"},  // no lock to be had
+    {"head -c 400000 /dev/zero >/opt/vrx/filler"},
+    {"(while : >/opt/vrx/filler$i; do i=${i}x; done)"},
+    {"mount -o remount,ro /opt/vrx"},
+    {"(ulimit -f 0", ") | cat"}};  // the limit holds for output to a file, too
 
 TEST(Hostile, FullDisks) {
-  const char* const kFillers[] = {"head -c 400000 /dev/zero >/opt/vrx/filler",
-                                  "while : >/opt/vrx/filler$i; do i=${i}x; done"};
   const struct {
     const char* line;
-    const char* codes[4];  // no room, no inodes, read-only, no file size; empty: success
+    const char* codes[5];  // of each trouble, empty for a success
   } cases[] = {
-      {"profile create new helmsman=h", {"14000007", "12000001", "12000001", "14000007"}},
-      {"profile modify two helmsman=h log_level=debug", {"", "", "12000001", "14000007"}},
-      {"profile modify two network=eth9 new_name=x", {"", "", "14000005", "14000007"}},
-      {"profile rename two new_name=x", {"", "", "14000005", "14000007"}},
-      {"profile activate two", {"", "", "12000001", "12000001"}},
-      {"profile delete one", {"", "", "12000001", ""}},
-      {"support reset two", {"", "", "", ""}},
+      {"profile create new helmsman=h", {"", "14000007", "12000001", "12000001", "14000007"}},
+      {"profile modify two helmsman=h log_level=debug", {"", "", "", "12000001", "14000007"}},
+      {"profile modify two network=eth9 new_name=x", {"", "", "", "14000005", "14000007"}},
+      {"profile rename two new_name=x", {"", "", "", "14000005", "14000007"}},
+      {"profile activate two", {"", "", "", "12000001", "12000001"}},
+      {"profile delete one", {"", "", "", "12000001", ""}},
+      {"support reset two", {"", "", "", "", ""}},
   };
   for (const auto& c : cases) {
     std::map<std::string, std::string> healthy;
-    for (int trouble = -1; trouble < 5; ++trouble) {  // none, those of the codes, no lock to be had
-      SCOPED_TRACE(std::string(c.line) + ", trouble " + std::to_string(trouble));
+    for (int trouble = 0; trouble < 5; ++trouble) {
+      SCOPED_TRACE(c.line + ", "s + kTroubles[trouble][0]);
       Store host;
       EXPECT_EQ(mount("none", "/opt/vrx", "tmpfs", 0, "size=256k,nr_inodes=100"), 0);
       const auto before = host.fill().files();
-      if (trouble == 0 || trouble == 1) shell(host, kFillers[trouble]);
-      const auto read_only = [&](int when) { return trouble == when ? 1UL * MS_RDONLY : 0UL; };
-      EXPECT_EQ(mount("", "/opt/vrx", "", MS_REMOUNT | read_only(2), ""), 0);
-      EXPECT_EQ(mount("", "/tmp/lock", "tmpfs", read_only(4), ""), 0);
-      // The limit holds for output to a file, too.
-      const Outcome outcome =
-          trouble == 3 ? run(host, "(ulimit -f 0", c.line, ") | cat") : run(host, "", c.line);
+      const Outcome outcome = run(host, kTroubles[trouble][0], c.line, kTroubles[trouble][1]);
       EXPECT_EQ(outcome.exit, 0);
-      const std::string code = trouble < 0 || trouble == 4 ? "" : c.codes[trouble];
-      EXPECT_EQ(codeIn(outcome.out), code) << outcome.out;
+      const std::size_t code = outcome.out.find("status_code");
+      EXPECT_EQ(code == outcome.out.npos ? "" : outcome.out.substr(code + 15, 8), c.codes[trouble]);
       auto after = host.files();
-      if (trouble < 0) healthy = after;
+      if (trouble == 0) healthy = after;
       for (const auto& [path, text] : before)
         EXPECT_EQ(after[path], after[path] == text ? text : healthy[path]) << path;
-      EXPECT_EQ(host.runWords({"/usr/bin/find", "/opt", "-name", "*.temp"}).out, "");
-      EXPECT_EQ(umount("/tmp/lock"), 0);
+      EXPECT_EQ(shell(host, "find /opt -name '*.temp'"), "");
       EXPECT_EQ(umount("/opt/vrx"), 0);
+      EXPECT_EQ(umount("/tmp/lock"), trouble == 0 ? 0 : -1);
     }
   }
 }
