@@ -10,39 +10,22 @@ namespace {
 
 using namespace std::literals;
 
-// "<directory>: <name>" for each profile.
-std::vector<std::string> enumerated() {
-  ProfileList list;
-  EXPECT_TRUE(listStore(&list).ok());
-  std::vector<std::string> lines;
-  for (const auto& [dir_name, profile_name] : list)
-    lines.emplace_back(dir_name).append(": ").append(profile_name);
-  return lines;
-}
-
-TEST(ProfileList, SortsBytewiseAndLeavesOutWhatIsNoProfile) {
+TEST(ProfileList, SortsBytewiseAndRepairsNamesOnDisk) {
   TestHost host;
   host.profile("1", "b").profile("2", "B").profile("3", "\xc3\xa4").profile(".backup", "hidden");
   host.file("plain", "x").file(".current", "1\n").link("/opt/vrx/profiles/1", "link");
-  EXPECT_EQ(enumerated(), (std::vector<std::string>{"2: B", "1: b", "3: \xc3\xa4"}));
-}
-
-TEST(ProfileList, RepairsNamesOnDisk) {
-  TestHost host;
   host.profile("a", "office").profile("b", "office").profile("c", "profile").profile("d");
   host.file("e/profile_name", "\n");
-  ProfileList first;
-  EXPECT_TRUE(listStore(&first).ok());
-  std::map<std::string, std::string> names;  // which of two comes first is the file system's choice
-  for (const auto& [dir_name, name] : first) {
-    names[name] = dir_name;
-    EXPECT_EQ(host.read(dir_name + "/profile_name"), name + "\n");
+  ProfileList list;
+  EXPECT_TRUE(listStore(&list).ok());
+  std::string names;
+  for (const auto& [dir_name, name] : list) {
+    names += name + " ";
+    EXPECT_EQ(host.read(dir_name + "/profile_name"), name + "\n") << dir_name;
   }
-  EXPECT_EQ(names.size(), 5u);
-  EXPECT_EQ(names["office#2"], names["office"] == "a" ? "b" : "a");
-  EXPECT_EQ(names["profile"], "c");
-  for (const char* given : {"office", "profile#2", "profile#3"})
-    EXPECT_TRUE(names.contains(given)) << given;
+  EXPECT_EQ(names, "B b office office#2 profile profile#2 profile#3 \xc3\xa4 ");
+  EXPECT_EQ(host.read("c/profile_name"), "profile\n");
+  EXPECT_EQ(host.read(".backup/profile_name"), "hidden\n");
 }
 
 TEST(TakenNames, NumbersGoOnFromTheLastFreeOne) {
