@@ -15,40 +15,39 @@ constexpr int kSeconds = 5;
 // Changes a profile of its own, which must be as it left it, and ones that all workers change.
 void work(const TestHost& host, const std::string& own, time_t deadline) {
   std::string name = own;
-  const auto change = [&](const char* verb, const std::string& more) {
-    const std::string out = host.says(std::string("profile ") + verb + " " + name + " " + more);
-    EXPECT_EQ(out.find("status_code"), std::string::npos) << verb << " " << name << ":\n" << out;
+  const auto done = [&](const std::string& verb, const std::string& more) {
+    std::string out = host.says("profile " + verb + " " + name + " " + more);
+    EXPECT_EQ(out.find("status_code"), out.npos) << verb << " " << name << ":\n" << out;
+    return out;
   };
-  change("create", "helmsman=h");
+  (void)done("create", "helmsman=h");
   for (int round = 1; round == 1 || time(nullptr) < deadline; ++round) {
-    const std::string number = std::to_string(round);
-    const std::string next = own + number;
-    change("rename", "new_name=" + next);
+    const std::string next = own + std::to_string(round);
+    const std::string network = "network=eth" + std::to_string(round);
+    EXPECT_EQ(done("rename", "new_name=" + next), "profile_name: " + next + "\n");
     name = next;
-    change("modify", "network=eth" + number);
+    (void)done("modify", network);
     for (const char* shared :
          {"profile create office helmsman=h activate", "profile rename office new_name=lab",
           "profile delete office#2", "profile delete lab"}) {
       (void)host.says(shared);  // another may have been there first
     }
     EXPECT_NE(host.says("list profiles").find(": " + name + "\n"), std::string::npos) << name;
-    change("activate", "sys=systemd");
-    const std::string details = host.says("profile details " + name);
-    EXPECT_NE(details.find("network=eth" + number + "\n"), std::string::npos) << details;
+    (void)done("activate", "sys=systemd");
+    EXPECT_NE(done("details", "").find(network + "\n"), std::string::npos) << name;
   }
-  change("rename", "new_name=" + own);
+  (void)done("rename", "new_name=" + own);
 }
 
 // Kills commands on the shared profiles, also while they hold the lock. Not ones that run the init
 // system: it would go on after the lock is gone.
 void killSome(const TestHost& host, unsigned seed, time_t deadline) {
-  const char* const lines[] = {"create office helmsman=k", "delete office",
+  const std::string lines[] = {"create office helmsman=k", "delete office",
                                "rename lab new_name=office", "modify lab network=eth9"};
   std::mt19937 random(seed);
   while (time(nullptr) < deadline) {
-    const std::string seconds = "0.00" + std::to_string(1000 + random() % 9000);
-    (void)host.run("/usr/bin/timeout -s KILL " + seconds + " /usr/sbin/tunadm profile " +
-                   lines[random() % 4]);
+    const std::string kill = "timeout -s KILL 0.00" + std::to_string(1000 + random() % 9000);
+    (void)host.run("/usr/bin/" + kill + " /usr/sbin/tunadm profile " + lines[random() % 4]);
   }
 }
 
