@@ -187,21 +187,18 @@ TEST(DirectoryListing, KindsOfEntries) {
 }
 
 TEST(ReplaceFile, ModesUnderUmasks) {
-  const struct {
-    mode_t umask;
-    mode_t old;  // 0: there is none
-    std::optional<mode_t> given;
-    const char* after;
-  } cases[] = {{0, 0, {}, "644"},     {022, 0, {}, "644"},      {077, 0, {}, "600"},
-               {0, 0606, {}, "606"},  {022, 0666, {}, "644"},   {077, 0777, {}, "700"},
-               {077, 0, 0666, "666"}, {077, 0600, 0640, "640"}, {0, 0666, 0640, "640"}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(&c - cases);
+  // The umask, the old mode (0: there is no file), the given mode, and that of the new file.
+  const std::tuple<mode_t, mode_t, std::optional<mode_t>, std::string> cases[] = {
+      {0, 0, {}, "644"},     {022, 0, {}, "644"},      {077, 0, {}, "600"},
+      {0, 0606, {}, "606"},  {022, 0666, {}, "644"},   {077, 0777, {}, "700"},
+      {077, 0, 0666, "666"}, {077, 0600, 0640, "640"}, {0, 0666, 0640, "640"}};
+  for (const auto& [mask, old, given, after] : cases) {
+    SCOPED_TRACE(testing::Message() << std::oct << mask << " " << old);
     FileHost host;
-    if (c.old != 0) host.file("file", "old", c.old);
-    const Umask mask(c.umask);
-    EXPECT_TRUE(replaceFile("file", "new", c.given).ok());
-    host.expectTree({std::string("file ") + c.after + " new"});
+    if (old != 0) host.file("file", "old", old);
+    const Umask scope(mask);
+    EXPECT_TRUE(replaceFile("file", "new", given).ok());
+    host.expectTree({"file " + after + " new"});
   }
 }
 
