@@ -9,36 +9,26 @@
 #include <sstream>
 #include <string>
 
-namespace {
-
-void recordCall(char** arguments) {
-  std::error_code unknown;  // shows as a line that begins with a blank
-  std::ofstream calls("/tmp/calls", std::ios::app);
-  calls << std::filesystem::read_symlink("/proc/self/exe", unknown).string();
-  for (; *arguments != nullptr; ++arguments) calls << ' ' << *arguments;
-  calls << '\n';
-}
-
 // An order that cannot be read is not a success.
-int endAsOrdered() {
+static int endAsOrdered() {
   constexpr const char* path = "/tmp/stand-in-end";
   std::ifstream orders(path);
-  std::string order;
-  if (!std::getline(orders, order)) return 0;
-  std::ostringstream rest;
-  rest << orders.rdbuf();
-  std::ofstream(path) << rest.str();
   std::string kind;
   int number = 0;
-  std::istringstream(order) >> kind >> number;
+  if (!(orders >> kind)) return 0;
+  std::ostringstream later;
+  orders >> number >> std::ws;
+  later << orders.rdbuf();
+  std::ofstream(path) << later.str();
   if (kind == "signal") raise(number);
   return kind == "exit" ? number : 125;
 }
 
-}  // namespace
-
 int main(int, char** arguments) {
-  recordCall(arguments);
+  std::ofstream calls("/tmp/calls", std::ios::app);
+  calls << std::filesystem::read_symlink("/proc/self/exe").string();
+  for (; *arguments != nullptr; ++arguments) calls << ' ' << *arguments;
+  calls << '\n' << std::flush;
   std::cout << std::ifstream("/tmp/stand-in-output").rdbuf() << std::flush;
   return endAsOrdered();
 }

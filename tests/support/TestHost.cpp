@@ -29,13 +29,6 @@ bool becomeOrdinaryUser() {
   return unshare(CLONE_NEWUSER) == 0 && geteuid() != 0;
 }
 
-std::vector<std::string> split(std::string line) {
-  std::vector<std::string> words;
-  for (line += ' '; !line.empty(); line.erase(0, words.back().size() + 1))
-    words.push_back(line.substr(0, line.find(' ')));
-  return words;
-}
-
 // The child's part of a run; anything that cannot be done ends it.
 [[noreturn]] void becomeProgram(std::vector<std::string> words, RunAs user, int out, int err) {
   std::vector<char*> arguments;
@@ -145,7 +138,10 @@ std::map<std::string, std::string> TestHost::files() const {
 }
 
 Outcome TestHost::run(const std::string& line, RunAs user) const {
-  return runWords(split(line), user);
+  std::istringstream stream(line + ' ');
+  std::vector<std::string> words;
+  for (std::string word; std::getline(stream, word, ' ');) words.push_back(word);
+  return runWords(words, user);
 }
 
 Outcome TestHost::runWords(const std::vector<std::string>& words, RunAs user) const {
