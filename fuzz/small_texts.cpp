@@ -1,7 +1,6 @@
 // Levels, durations and times as texts. The input's first eight bytes are a number, too.
 #include <strings.h>
 
-#include <cctype>
 #include <cstring>
 
 #include "fundkit/Duration.h"
@@ -16,11 +15,8 @@ static bool isWord(const std::string& text, std::string_view word) {
   return text.size() == word.size() && strncasecmp(text.data(), word.data(), word.size()) == 0;
 }
 
-static bool showsNothing(char byte) { return std::isgraph(static_cast<unsigned char>(byte)) == 0; }
-
-static LogLevel expectedLevel(std::string text) {
-  while (!text.empty() && showsNothing(text.front())) text.erase(0, 1);
-  while (!text.empty() && showsNothing(text.back())) text.pop_back();
+static LogLevel expectedLevel(const std::string& line) {
+  const std::string text(trimmed(line));
   const std::size_t start = text.starts_with('[') ? 1 : 0;
   const std::string name = text.substr(start, text.find_first_of(" ]", start) - start);
   if (name.empty()) return kLogInfo;
