@@ -2,7 +2,6 @@
 
 #include "profiles/CurrentProfile.h"
 #include "profiles/ProfileList.h"
-#include "profiles/TakenNames.h"
 #include "tests/support/TestHost.h"
 
 namespace tunadm {
@@ -15,7 +14,7 @@ TEST(ProfileList, SortsBytewiseAndRepairsNamesOnDisk) {
   host.profile("1", "b").profile("2", "B").profile("3", "\xc3\xa4").profile(".backup", "hidden");
   host.file("plain", "x").file(".current", "1\n").link("/opt/vrx/profiles/1", "link");
   host.profile("a", "office").profile("b", "office").profile("c", "profile").profile("d");
-  host.file("e/profile_name", "\n");
+  host.file("e/profile_name", "\n").profile("f", "profile#3");
   ProfileList list;
   EXPECT_TRUE(listStore(&list).ok());
   std::string names;
@@ -23,18 +22,9 @@ TEST(ProfileList, SortsBytewiseAndRepairsNamesOnDisk) {
     names += name + " ";
     EXPECT_EQ(host.read(dir_name + "/profile_name"), name + "\n") << dir_name;
   }
-  EXPECT_EQ(names, "B b office office#2 profile profile#2 profile#3 \xc3\xa4 ");
-  EXPECT_EQ(host.read("c/profile_name"), "profile\n");
+  EXPECT_EQ(names, "B b office office#2 profile profile#2 profile#3 profile#4 \xc3\xa4 ");
+  EXPECT_EQ(host.read("c/profile_name") + host.read("f/profile_name"), "profile\nprofile#3\n");
   EXPECT_EQ(host.read(".backup/profile_name"), "hidden\n");
-}
-
-TEST(TakenNames, NumbersGoOnFromTheLastFreeOne) {
-  TakenNames taken;
-  EXPECT_EQ(taken.uniqueName("a"), "a");
-  for (const char* name : {"a", "a#2", "a#4"}) taken.add(name);
-  EXPECT_EQ(taken.uniqueName("a"), "a#3");
-  taken.add("a#3");
-  EXPECT_EQ(taken.uniqueName("a"), "a#5");
 }
 
 TEST(CurrentProfile, WhatTheMarkerMayName) {
