@@ -42,10 +42,7 @@ bool put(const char* path, std::string_view content, off_t size = 0) {
   return size == 0 || truncate(path, size) == 0;
 }
 
-const struct {
-  const char* name;
-  bool (*set)(const char*);
-} kTraps[] = {
+const std::pair<const char*, bool (*)(const char*)> kTraps[] = {
     {"link to a file", [](const char* p) { return symlink("/victim/hip.conf", p) == 0; }},
     {"link to a directory", [](const char* p) { return symlink("/victim", p) == 0; }},
     {"FIFO", [](const char* p) { return mkfifo(p, 0666) == 0; }},
