@@ -39,8 +39,8 @@ void work(const TestHost& host, const std::string& own, time_t deadline) {
   (void)done("rename", "new_name=" + own);
 }
 
-// Kills commands on the shared profiles, also while they hold the lock. Not ones that run the init
-// system: it would go on after the lock is gone.
+// Kills commands on the shared profiles, also while they hold the lock, but none that runs the init
+// system, which would go on after the lock is gone.
 void killSome(const TestHost& host, unsigned seed, time_t deadline) {
   const std::string lines[] = {"create office helmsman=k", "delete office",
                                "rename lab new_name=office", "modify lab network=eth9"};
@@ -64,7 +64,7 @@ TEST(Concurrency, NothingIsLostOrNamedTwice) {
   for (int number = 0; number < kWorkers; ++number) {
     workers.push_back(fork());
     if (workers.back() != 0) continue;
-    alarm(kSeconds + 30);  // ends who waits for the lock for ever
+    alarm(kSeconds + 30);  // ends a worker that waits for the lock for ever
     if (number < kKillers) {
       killSome(host, static_cast<unsigned>(number), deadline);
     } else {

@@ -24,7 +24,7 @@ namespace {
 using namespace std::literals;
 using Lines = std::vector<std::string>;
 
-// Enters its empty directory, so that it and the functions take the same relative paths.
+// Enters its empty store, so that its functions and those under test take the same relative paths.
 struct FileHost : TestHost {
   FileHost() { std::filesystem::current_path("/opt/vrx/profiles"); }
   void expectTree(const Lines& expected) const { EXPECT_EQ(tree("."), expected); }
@@ -37,7 +37,7 @@ struct Umask {
   mode_t before;
 };
 
-// A file system for the scope, of few bytes.
+// A small file system for the scope.
 struct SmallDisk {
   explicit SmallDisk(const char* where) : path(where) {
     EXPECT_TRUE(makeDirectory(path, 0755).ok());
@@ -60,7 +60,7 @@ std::string attributesOf(const char* path) {
   return text;
 }
 
-// All calls, made in this order, have ended so.
+// All calls, made in this order, have ended with this code.
 void expectAll(StatusCode code, std::initializer_list<Status> ends) {
   for (const Status& end : ends) EXPECT_EQ(end.code(), code) << &end - ends.begin();
 }
@@ -214,7 +214,7 @@ TEST(ReplaceFile, KeepsOwnersAndAttributes) {
     return setxattr(path, name, kAccessList.data(), kAccessList.size(), 0) == 0;
   };
   (void)setxattr("file", "user.color", "red", 3, 0);  // not every file system has these
-  // Without root on the machine there is nobody to give the file to.
+  // Without root on the machine there is no other user to give the file to.
   const bool listed =
       chown("file", 65534, 65534) == 0 && setList("file", "system.posix_acl_access");
   const std::string before = attributesOf("file");
@@ -427,7 +427,7 @@ TEST(LockFile, OnlyInARegularFileOfATrustedDirectory) {
   };
   for (const char* name : {"", "link", "blocked"})
     EXPECT_EQ(state("dir/", name), LockState::kUnavailable) << name;
-  // Without root on the machine, nobody else can own the directory.
+  // Without root on the machine, no other user can own the directory.
   if (chown("dir", 65534, 0) != 0) return;
   for (const char* directory : {"dir/", "to-dir/", "no/"})
     EXPECT_EQ(state(directory, "n"), LockState::kUnavailable) << directory;

@@ -11,11 +11,11 @@ namespace {
 
 using namespace std::literals;
 
-// Runs tunadm in a shell that has done `before`. A run that does not end is taken for a failed one.
+// Runs tunadm in a shell that has done `before`. A run that does not end counts as failed.
 Outcome run(const TestHost& host, const std::string& before, const std::string& line,
-            const std::string& behind = "") {
+            const std::string& after = "") {
   const std::string run = "\nexec timeout 10 $E /usr/sbin/tunadm ";
-  return host.runWords({"/bin/sh", "-c", before + run + line + behind});
+  return host.runWords({"/bin/sh", "-c", before + run + line + after});
 }
 
 std::string shell(const TestHost& host, const char* line) {
@@ -65,7 +65,7 @@ const std::string kCommands[] = {"profile create new helmsman=h activate",
                                  "list profiles",
                                  "service restart"};
 
-// All that the host has but the program's own places; any change shows in the last number.
+// Everything on the host outside the program's own places; any change shows in the last number.
 const char kOutside[] =
     "find / -xdev \\( -path /opt/vrx -o -path /tmp/lock \\) -prune -o "
     "-printf '%p %y %m %U %G %s %C@\\n'";
@@ -82,7 +82,7 @@ TEST(Hostile, TrapsAtPathsThatOthersWriteTo) {
         std::filesystem::remove_all(path);
         host.fill();
         std::filesystem::remove_all(path);
-        // Only root makes devices and gives files away, and what root owns is believed.
+        // Only root can make devices and give files away, and what root owns is trusted.
         if (!set(path.c_str()) || (path != marker && lchown(path.c_str(), 1000, 1000) != 0)) break;
         const std::string before = shell(host, kOutside);
         const Outcome outcome = run(host, "", line);
@@ -102,7 +102,7 @@ TEST(Hostile, TrapsAtPathsThatOthersWriteTo) {
   }
 }
 
-// The files of the store with their lines, and what everybody could write to.
+// The files of the store with their lines, and what every user could write to.
 const char kStore[] =
     "cd /opt/vrx; { find . -printf '%p %y\\n'; find . -perm /022 ! -name .current; grep -r '' .; } "
     "| sort";
@@ -141,15 +141,15 @@ TEST(Hostile, EnvironmentMakesNoDifference) {
     }
     out += shell(host, kStore);
     if (expected.empty()) expected = out;
-    // What is printed is lost where the output is closed.
+    // What is printed is lost if the output is closed.
     const std::size_t length =
         preparation.find(" >&-") != preparation.npos ? out.size() : expected.size();
     EXPECT_EQ(out, expected.substr(expected.size() - length)) << preparation;
   }
 }
 
-// What the service would inherit: no signal blocked or ignored, and the caller's umask. A start
-// after a change does not depend on the caller's signals or descriptors either.
+// What the service inherits: no signal blocked or ignored, and the caller's umask. A start after a
+// change does not depend on the caller's signals or descriptors either.
 TEST(Hostile, NothingOfTheProgramReachesTheService) {
   for (const std::string line : {"service start", "service restart", "profile activate two"}) {
     Store host;
@@ -169,7 +169,7 @@ TEST(Hostile, NothingOfTheProgramReachesTheService) {
   }
 }
 
-// Neither the program's owner nor the caller's environment is a way to privileges.
+// Neither the program's owner nor the caller's environment grants privileges.
 TEST(Hostile, ASetUserIdProgramRefuses) {
   Store host;
   EXPECT_EQ(chmod("/usr/sbin/tunadm", 04755), 0);
@@ -199,7 +199,7 @@ TEST(Hostile, TheLockIsWhereTheEnvironmentSays) {
 
 // What stands before and after a command line in the shell.
 const std::string kTroubles[][2] = {
-    {"mount -t tmpfs -o ro none /tmp/lock"},  // no lock to be had
+    {"mount -t tmpfs -o ro none /tmp/lock"},  // no lock can be taken
     {"head -c 400000 /dev/zero >/opt/vrx/filler"},
     {"(while : >/opt/vrx/filler$i; do i=${i}x; done)"},
     {"mount -o remount,ro /opt/vrx"},

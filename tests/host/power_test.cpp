@@ -19,7 +19,7 @@ constexpr const char* kDisk = "/disk";
 constexpr const char* kCopy = "/disk-after-the-cut";
 constexpr const char* kMountedCopy = "/after-the-cut";
 
-// False where there is no loop device to be had.
+// False where no loop device can be used.
 bool mountImage(const TestHost& host, const char* image, const char* place, const char* options) {
   return host.run(std::string("/usr/bin/mount -o loop,") + options + " " + image + " " + place)
              .exit == 0;

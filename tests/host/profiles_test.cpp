@@ -71,7 +71,7 @@ TEST(CurrentProfile, EnteringHealsAStaleMarker) {
   EXPECT_STREQ(getcwd(directory, sizeof directory), "/opt/vrx/profiles/z");
 }
 
-// A file of more than a mebibyte in one line stands for one that cannot be read.
+// A line of more than a mebibyte stands for a file that cannot be read.
 TEST(ProfileList, WhatCannotBeReadIsNotReplaced) {
   const std::string unreadable(3 << 19, 'x');
   TestHost host;

@@ -1,6 +1,6 @@
-// What the tests of the file functions run as a program of its own: without an argument it prints
-// the paths that its environment leads to; it makes calls for strace to "record", or is to
-// "remove".
+// What the tests of the file functions run as a separate program. Without an argument it prints the
+// paths that its environment leads to, with "record" it makes calls for strace to record, and with
+// "remove" it removes a deep tree.
 #include <cstdio>
 #include <string>
 

@@ -1,7 +1,7 @@
-// What tests put at the paths of a host's init-system commands. Each run appends to /tmp/calls a
-// line of the path that the program was run by and of all its arguments, the name that it was
-// given first; then it prints what /tmp/stand-in-output holds. It ends as the first line of
-// /tmp/stand-in-end tells ("exit 7", "signal 15") and takes that line away; without a line, with 0.
+// What tests put at the paths of a host's init-system commands. Each run appends a line to
+// /tmp/calls: its path and all its arguments, the name it was run by first. Then it prints what
+// /tmp/stand-in-output holds. It ends as the first line of /tmp/stand-in-end says ("exit 7",
+// "signal 15") and removes that line; without a line it ends with 0.
 #include <csignal>
 #include <filesystem>
 #include <fstream>

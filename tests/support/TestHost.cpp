@@ -15,12 +15,12 @@ namespace fs = std::filesystem;
 
 constexpr const char* kProfiles = "/opt/vrx/profiles/";
 constexpr uid_t kOrdinaryUser = 1000;
-constexpr int kNotStarted = 126;  // exit code of a child that did not come as far as the program
+constexpr int kNotStarted = 126;  // exit code of a child that did not get as far as the program
 
 fs::path located(const std::string& path) { return fs::path(kProfiles) / path; }
 
-// A host made without root knows no user but root: there the process goes into a user namespace
-// that maps nobody, which leaves it the system's overflow user ID.
+// A host made without root has no user but root: there the process enters a user namespace without
+// a mapping, which gives it the system's overflow user ID.
 bool becomeOrdinaryUser() {
   if (setgroups(0, nullptr) == 0) {
     return setresgid(kOrdinaryUser, kOrdinaryUser, kOrdinaryUser) == 0 &&
@@ -29,7 +29,7 @@ bool becomeOrdinaryUser() {
   return unshare(CLONE_NEWUSER) == 0 && geteuid() != 0;
 }
 
-// The child's part of a run; anything that cannot be done ends it.
+// The child's part of a run; any failure ends it.
 [[noreturn]] void becomeProgram(std::vector<std::string> words, RunAs user, int out, int err) {
   std::vector<char*> arguments;
   arguments.reserve(words.size() + 1);
@@ -145,7 +145,7 @@ Outcome TestHost::run(const std::string& line, RunAs user) const {
 }
 
 Outcome TestHost::runWords(const std::vector<std::string>& words, RunAs user) const {
-  // Files without a name take any amount of output, so nothing need be read while the child writes.
+  // Files without a name take any amount of output, so nothing has to be read meanwhile.
   const ScopedFd out(memfd_create("out", MFD_CLOEXEC));
   const ScopedFd err(memfd_create("err", MFD_CLOEXEC));
   const pid_t child = fork();
@@ -172,10 +172,10 @@ std::string failure(const std::string& text, const std::string& code) {
 
 }  // namespace tunadm
 
-// The tests remove and replace what lies at the program's real paths, so only a marked host will
-// do. Elsewhere their names can be listed.
+// The tests remove and replace what lies at the program's real paths, so they run only in a marked
+// host. Elsewhere their names can be listed.
 int main(int argc, char** argv) {
-  // A shell's background job ignores some of them, and so would the programs that are run.
+  // A background job of a shell ignores some of them, and so would the programs run here.
   for (const int number : {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGTSTP, SIGPIPE})
     std::signal(number, SIG_DFL);
   testing::InitGoogleTest(&argc, argv);

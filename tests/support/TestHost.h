@@ -1,5 +1,5 @@
-// The host that a test of the whole program runs in, and the store that it begins with; with the
-// headers that such tests need of the libraries.
+// The host that a test of the whole program runs in, and the store that it begins with. It includes
+// the headers of the libraries that such tests need.
 #pragma once
 
 #include <fcntl.h>
@@ -35,9 +35,8 @@ struct Outcome {
 
 enum class RunAs { kRoot, kOrdinaryUser };
 
-// Stands for the one host that a test executable runs in; it is not to be had twice at a time.
-// Failures of its own are test failures. A path without a slash in front is one of the profiles
-// directory.
+// Stands for the one host that a test executable runs in; only one may exist at a time. Its own
+// failures are test failures. A path without a leading slash is relative to the profiles directory.
 class TestHost {
  public:
   // Leaves an empty store in /opt/vrx/profiles, an empty /tmp and no stand-ins for the host's
@@ -46,7 +45,7 @@ class TestHost {
   TestHost(const TestHost&) = delete;
   TestHost& operator=(const TestHost&) = delete;
 
-  // Makes the factory profile: a file of every kind that the daemon's packages bring along.
+  // Makes the factory profile: a file of every kind that the daemon's packages install.
   TestHost& factory();
   // Makes a profile that has only a hip.conf, which makes it usable, and a name if one is given.
   TestHost& profile(const std::string& dir_name, const std::string& friendly_name = "");
@@ -54,12 +53,12 @@ class TestHost {
   TestHost& file(const std::string& path, const std::string& content, mode_t mode = 0644);
   TestHost& link(const std::string& target, const std::string& path);
   TestHost& remove(const std::string& path);
-  // Puts a directory in the place of `path` that no file can replace.
+  // Puts a directory at `path` that no file can replace.
   TestHost& block(const std::string& path);
-  // Puts there a program that records its calls and ends as it is told (standin/stand_in.cpp).
+  // Puts a program there that records its calls and ends as it is told (standin/stand_in.cpp).
   TestHost& standIn(const std::string& path);
 
-  // What is not there reads as "" and has the mode 0.
+  // What does not exist reads as "" and has the mode 0.
   std::string read(const std::string& path) const;
   bool exists(const std::string& path) const;
   mode_t mode(const std::string& path) const;
@@ -70,8 +69,8 @@ class TestHost {
   std::map<std::string, std::string> files() const;
 
   // Runs a command line, split at each single blank, to its end. An ordinary user is one whose
-  // user IDs are not 0; where the machine gave no root it owns root's files all the same, so only
-  // a missing mode bit shuts it out.
+  // user IDs are not 0. On a host made without root, that user still owns root's files, so only a
+  // missing mode bit keeps it out.
   Outcome run(const std::string& line, RunAs user = RunAs::kRoot) const;
   // The same for words that may hold blanks.
   Outcome runWords(const std::vector<std::string>& words, RunAs user = RunAs::kRoot) const;
@@ -79,7 +78,7 @@ class TestHost {
   std::string says(const std::string& words, RunAs user = RunAs::kRoot) const;
 };
 
-// What tunadm prints of a failure.
+// What tunadm prints on a failure.
 std::string failure(const std::string& text, const std::string& code);
 
 }  // namespace tunadm
