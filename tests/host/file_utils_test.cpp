@@ -1,3 +1,4 @@
+#include <sys/file.h>
 #include <sys/mount.h>
 #include <sys/xattr.h>
 
@@ -419,6 +420,22 @@ TEST(LockFile, NeverTwoHolders) {
                      "dir/x 644 ", "link -> dir"});
   }
   host.expectTree({"dir 755/", "dir/x 644 ", "link -> dir"});
+}
+
+// A holder that is killed leaves its file behind.
+TEST(LockFile, AWaiterBecomesTheOnlyHolder) {
+  FileHost host;
+  ScopedFd killed(open("n.lock", O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+  EXPECT_EQ(flock(killed.get(), LOCK_EX), 0);
+  std::thread waiter([] {
+    const LockFile lock("./", "n", Blocking::kYes);
+    EXPECT_TRUE(lock.held());
+    const ScopedFd file(open("n.lock", O_RDONLY | O_CLOEXEC));
+    EXPECT_EQ(flock(file.get(), LOCK_SH | LOCK_NB), -1);
+  });
+  while (host.read("/proc/locks").find("->") == std::string::npos) usleep(1000);
+  EXPECT_EQ(killed.close(), 0);
+  waiter.join();
 }
 
 TEST(LockFile, OnlyInARegularFileOfATrustedDirectory) {
