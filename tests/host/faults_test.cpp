@@ -6,7 +6,7 @@
 #include <ostream>
 #include <set>
 
-#include "tests/support/TestHost.h"
+#include "tests/support/Trace.h"
 
 namespace tunadm {
 namespace {
@@ -32,16 +32,12 @@ constexpr const char* kDetails =
     "helmsman= network= deviceID= overlay_device_ip= overlay_mask= invitation= log_level=";
 
 const Row kRows[] = {
-    {.line = "profile create office helmsman=h:1 network=eth0 invitation=abc",
-     .codes = "10000003 12000001 14000002 14000005 14000006 14000007 14000010",
-     .changes = kDetails,
-     .flushes = 19},
-    {.line = "profile create office helmsman=h:1 activate",
+    {.line = "profile create office helmsman=h:1 network=eth0 invitation=abc activate",
      .store = "running",
      .codes = "10000003 12000001 14000002 14000005 14000006 14000007 14000010 1400000a 1400000b "
               "16001001",
      .changes = kDetails,
-     .flushes = 19},
+     .flushes = 21},
     {.line = "list profiles",
      .store = "names to repair",
      .codes = "12000001",
@@ -62,14 +58,9 @@ const Row kRows[] = {
      .again = "10000003",
      .unheard = "/one/hip.conf",
      .flushes = 8},
-    {.line = "profile modify one invitation=abc activate",
+    {.line = "profile modify one invitation=### activate",
      .store = "running",
      .codes = "12000001 12001002 1400000a 1400000b 16001001",
-     .changes = kDetails,
-     .unheard = "/one/endbox.conf",
-     .flushes = 2},
-    {.line = "profile modify one invitation=###",
-     .codes = "12000001",
      .changes = kDetails,
      .unheard = "/one/endbox.conf",
      .flushes = 2},
@@ -131,32 +122,24 @@ struct FaultHost : TestHost {
   }
 };
 
-struct Call {
-  std::string name;
-  int number;        // among those of the name
-  std::string text;  // as strace shows it
+// The descriptor that a close ends.
+std::string closedBy(const Call& call) {
+  const std::size_t begin = call.text.find('(') + 1;
+  return call.text.substr(begin, call.text.find(')') - begin);
+}
 
-  bool holds(const char* part) const { return text.find(part) != text.npos; }
-  bool isOneOf(const std::set<std::string>& names) const { return names.contains(name); }
-
-  std::string closed() const {
-    const std::size_t begin = text.find('(') + 1;
-    return text.substr(begin, text.find(')') - begin);
-  }
-
-  // The descriptors that it opened.
-  std::vector<std::string> opened() const {
-    const std::string calls = std::string(",") + kOpeningCalls + ",";
-    const bool opens = calls.find("," + name + ",") != calls.npos || holds(", F_DUPFD");
-    const std::string result = text.substr(text.rfind(" = ") + 3);
-    if (!opens || result.starts_with('-')) return {};
-    if (result != "0") return {result.substr(0, result.find(' '))};
-    const std::size_t begin = text.find('[') + 1;
-    const std::size_t comma = text.find(", ", begin);
-    const std::size_t end = text.find(']', begin);
-    return {text.substr(begin, comma - begin), text.substr(comma + 2, end - comma - 2)};
-  }
-};
+// The descriptors that a call opens.
+std::vector<std::string> openedBy(const Call& call) {
+  const std::string calls = std::string(",") + kOpeningCalls + ",";
+  const bool opens = calls.find("," + call.name + ",") != calls.npos || call.holds(", F_DUPFD");
+  const std::string result = call.text.substr(call.text.rfind(" = ") + 3);
+  if (!opens || result.starts_with('-')) return {};
+  if (result != "0") return {result.substr(0, result.find(' '))};
+  const std::size_t begin = call.text.find('[') + 1;
+  const std::size_t comma = call.text.find(", ", begin);
+  const std::size_t end = call.text.find(']', begin);
+  return {call.text.substr(begin, comma - begin), call.text.substr(comma + 2, end - comma - 2)};
+}
 
 bool isWordOf(const std::string& words, const std::string& word) {
   return (" " + words + " ").find(" " + word + " ") != words.npos;
@@ -166,17 +149,15 @@ std::string fieldOf(const std::string& line) {
   return line.substr(0, line.find_first_of("=:") + 1);
 }
 
-Texts linesOf(const std::string& text) {
-  std::istringstream stream(text);
-  Texts lines;
-  for (std::string line; std::getline(stream, line);) lines.insert(line);
-  return lines;
-}
+enum class Values { kMatter, kMayDiffer };
 
-Texts fieldsOf(const std::string& text) {
-  Texts fields;
-  for (const std::string& line : linesOf(text)) fields.insert(fieldOf(line));
-  return fields;
+// The lines of an output, or only the fields that they show.
+Texts partsOf(const std::string& text, Values values = Values::kMatter) {
+  std::istringstream stream(text);
+  Texts parts;
+  for (std::string line; std::getline(stream, line);)
+    parts.insert(values == Values::kMatter ? line : fieldOf(line));
+  return parts;
 }
 
 // What stands in one of both only.
@@ -186,19 +167,6 @@ Texts differences(const Texts& one, const Texts& other) {
   return found;
 }
 
-std::vector<Call> lastTrace() {
-  std::ifstream stream("/run/trace");
-  std::map<std::string, int> counts;
-  std::vector<Call> calls;
-  for (std::string line; std::getline(stream, line);) {
-    if (line.find("ERESTART") != line.npos) continue;  // now and then a child's end comes between
-    std::string name = line.substr(0, line.find('('));
-    name.erase(0, name.rfind(' ') + 1);  // the process ID that may stand before it
-    calls.push_back({name, ++counts[name], line});
-  }
-  return calls;
-}
-
 bool failed(const std::string& output) { return output.find("status_code: ") != output.npos; }
 
 struct FaultyRuns {
@@ -206,12 +174,12 @@ struct FaultyRuns {
   Outcome clean = {};
   Files before = {};
   Files after = {};
-  bool children = false;
+  bool has_children = false;
 
   void spoilAll() {
     const FaultHost host(row.store);
     before = host.files();
-    clean = run(host, {"-e", "trace=%file,%desc,%network,%process"});
+    clean = run(host, "-e trace=%file,%desc,%network,%process");
     after = host.files();
     EXPECT_EQ(clean.exit, 0);
     EXPECT_FALSE(failed(clean.out)) << clean.out;
@@ -220,14 +188,14 @@ struct FaultyRuns {
     const auto flushes =
         std::ranges::count_if(calls, [](const Call& call) { return call.isOneOf(kFlushingCalls); });
     EXPECT_EQ(flushes, row.flushes);
-    for (const Call& call : calls) children |= call.isOneOf({"clone", "clone3", "vfork"});
+    has_children = calls.back().forks > 0;
     std::set<std::string> pipe_ends;
     bool started = false;  // main() begins with a look at the standard descriptors
     for (const Call& call : calls) {
-      if (call.opened().size() == 2)
-        for (const std::string& end : call.opened()) pipe_ends.insert(end);
+      const std::vector<std::string> opened = openedBy(call);
+      if (opened.size() == 2) pipe_ends.insert(opened.begin(), opened.end());
       // A close that strace lets fail does not close: who reads at the other end would wait on.
-      const bool closes_pipe = call.name == "close" && pipe_ends.erase(call.closed()) > 0;
+      const bool closes_pipe = call.name == "close" && pipe_ends.erase(closedBy(call)) > 0;
       const bool counts =
           started && !closes_pipe && !call.isOneOf({"mmap", "exit_group", "+++", "---"});
       if (counts) spoil(call);
@@ -236,11 +204,8 @@ struct FaultyRuns {
     EXPECT_TRUE(started);
   }
 
-  Outcome run(const FaultHost& host, std::vector<std::string> strace) const {
-    strace.insert(strace.begin(), {"/usr/bin/strace", "-o", "/run/trace", "-e", "raw=recvmsg"});
-    std::istringstream line(std::string("/usr/sbin/tunadm ") + row.line);
-    strace.insert(strace.end(), std::istream_iterator<std::string>(line), {});
-    return host.runWords(strace);
+  Outcome run(const FaultHost& host, const std::string& options) const {
+    return host.run(std::string(kStrace) + " " + options + " /usr/sbin/tunadm " + row.line);
   }
 
   void spoil(const Call& call) const {
@@ -258,12 +223,11 @@ struct FaultyRuns {
 
   void spoil(const Call& call, const std::string& fault) const {
     SCOPED_TRACE(std::string(row.line) + "\n" + call.text + "\n" + fault);
-    std::vector<std::string> options = {
-        "-e", std::string("trace=close,fcntl,") + kOpeningCalls + "," + call.name, "-e",
-        "inject=" + call.name + ":" + fault + ":when=" + std::to_string(call.number)};
+    std::string options = std::string("-e trace=close,fcntl,") + kOpeningCalls + "," + call.name +
+                          " -e " + call.injection(fault);
     const bool killed = fault == "signal=SIGKILL";
     // Quicker, but children would have calls of theirs spoiled as well, and a signal gets lost.
-    if (!children && !killed) options.insert(options.end(), {"-f", "--seccomp-bpf"});
+    if (!has_children && !killed) options += " -f --seccomp-bpf";
     const FaultHost host(row.store);
     const Outcome outcome = run(host, options);
     Files files = host.files();
@@ -272,34 +236,27 @@ struct FaultyRuns {
       EXPECT_EQ(outcome.signal, SIGKILL);
       expectSound(files, false, true);
       EXPECT_FALSE(failed(host.says("list profiles")));
-      const std::string again = host.says(row.line);
-      return failed(again) ? expectCode(again, row.again) : expectFields(again);
+      return expectResult(host.says(row.line), row.again, Values::kMayDiffer);
     }
     EXPECT_EQ(outcome.exit, 0) << outcome.signal;
     expectInjection();
     expectKnown(outcome);
+    const bool is_output = call.holds("write(1,");
     if (fault == "retval=1") {  // the system says that it has written a byte, and has not
       for (const auto& [path, text] : after) EXPECT_GE(files[path].size() + 1, text.size());
-    } else {
-      expectSound(files, !failed(outcome.out), call.holds("unlink"));
-      // Of what a success did not change it warns; only a link of the factory's may go unsaid.
-      const bool about_link = call.holds("\"link\"") || call.holds("\"/opt/vrx/.systemctl\"");
-      if (!failed(outcome.out) && !about_link && files != after) {
-        EXPECT_NE(outcome.err, "");
-      }
-    }
-    if (fault == "error=EINTR") {
-      EXPECT_EQ(outcome.out, clean.out);
-      EXPECT_EQ(files, after);
-    }
-    const bool is_output = call.holds("write(1,");
-    if (fault == "retval=1" && is_output) {
+      if (!is_output) return expectResult(outcome.out, "", Values::kMayDiffer);
       EXPECT_EQ(outcome.out, clean.out.substr(1));
-    } else if (fault == "retval=1") {
-      expectFields(outcome.out);
-    } else if (!is_output) {
-      expectDocumented(outcome.out);
+      return;
     }
+    expectSound(files, !failed(outcome.out), call.holds("unlink"));
+    // Of what a success did not change it warns; only a link of the factory's may go unsaid.
+    const bool about_link = call.holds("\"link\"") || call.holds("\"/opt/vrx/.systemctl\"");
+    EXPECT_TRUE(failed(outcome.out) || about_link || files == after || !outcome.err.empty())
+        << "not all is done, and it says nothing";
+    if (!is_output) expectResult(outcome.out, row.codes);
+    if (fault != "error=EINTR") return;
+    EXPECT_EQ(outcome.out, clean.out);
+    EXPECT_EQ(files, after);
   }
 
   // A service that is stopped for a change is started again, also by what outlives the program. The
@@ -320,32 +277,25 @@ struct FaultyRuns {
     Texts open;
     for (const Call& call : lastTrace()) {
       injected += call.holds("(INJECTED)") ? 1 : 0;
-      for (const std::string& descriptor : call.opened()) open.insert(descriptor);
+      for (const std::string& descriptor : openedBy(call)) open.insert(descriptor);
       if (call.name != "close") continue;
-      EXPECT_EQ(open.erase(call.closed()), 1u) << call.text;
+      EXPECT_EQ(open.erase(closedBy(call)), 1u) << call.text;
     }
     EXPECT_EQ(injected, 1);
     EXPECT_EQ(open, Texts());
   }
 
-  static void expectCode(const std::string& out, const char* codes) {
-    EXPECT_EQ(std::ranges::count(out, '\n'), 2) << out;
-    EXPECT_TRUE(out.starts_with("status_text: ")) << out;
-    const std::string code = out.substr(out.find("status_code: 0x") + 15, 8);
-    EXPECT_TRUE(isWordOf(codes, code)) << out;
-  }
-
-  // A failure has one of its codes, and of a success nothing is missing that need not be.
-  void expectDocumented(const std::string& out) const {
-    if (failed(out)) return expectCode(out, row.codes);
-    for (const std::string& line : differences(linesOf(clean.out), linesOf(out)))
-      EXPECT_TRUE(isWordOf(row.changes, fieldOf(line))) << line;
-  }
-
-  // The same, whatever the values are.
-  void expectFields(const std::string& out) const {
-    for (const std::string& field : differences(fieldsOf(clean.out), fieldsOf(out)))
-      EXPECT_TRUE(isWordOf(row.changes, field)) << field << " of:\n" << out;
+  // A failure has one of the codes. Of a success nothing is missing that need not be.
+  void expectResult(const std::string& out, const char* codes,
+                    Values values = Values::kMatter) const {
+    if (failed(out)) {
+      EXPECT_EQ(std::ranges::count(out, '\n'), 2) << out;
+      EXPECT_TRUE(out.starts_with("status_text: ")) << out;
+      EXPECT_TRUE(isWordOf(codes, out.substr(out.find("status_code: 0x") + 15, 8))) << out;
+      return;
+    }
+    for (const std::string& part : differences(partsOf(clean.out, values), partsOf(out, values)))
+      EXPECT_TRUE(isWordOf(row.changes, fieldOf(part))) << part << " of:\n" << out;
   }
 
   // Standard error has the messages that may come at any time, and why a command failed once.
@@ -354,7 +304,7 @@ struct FaultyRuns {
     const std::string reason = "E~ tunadm Program.cpp sayWhy: " +
                                command.substr(0, command.find(' ', command.find(' ') + 1)) + ": ";
     int reasons = 0;
-    for (const std::string& line : linesOf(outcome.err)) {
+    for (const std::string& line : partsOf(outcome.err)) {
       const bool known = std::ranges::any_of(
           kMessages, [&line](std::string_view text) { return line.starts_with(text); });
       if (known) continue;
@@ -390,11 +340,7 @@ struct FaultyRuns {
 class Faults : public testing::TestWithParam<Row> {};
 
 TEST_P(Faults, EachCall) {
-  const Outcome strace = TestHost().run("/usr/bin/strace -o /dev/null true");
-  if (strace.exit != 0) {
-    printf("skipped, no program can be traced here: %s\n", strace.err.c_str());
-    exit(77);
-  }
+  skipUnlessTracing();
   FaultyRuns{GetParam()}.spoilAll();
 }
 

@@ -5,8 +5,10 @@
 #include <sys/prctl.h>
 #include <sys/resource.h>
 
+#include <algorithm>
+
 #include "fundkit/ScopedFd.h"
-#include "tests/support/TestHost.h"
+#include "tests/support/Trace.h"
 
 namespace tunadm {
 namespace {
@@ -52,9 +54,8 @@ bool lockIsFree() {
 pid_t spawn(const std::string& line) {
   const pid_t child = fork();
   if (child != 0) return child;
-  const int out = open("/tmp/out", O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
-  if (setpgid(0, 0) == 0 && dup2(out, 1) == 1)
-    (void)execl("/bin/sh", "sh", "-c", ("exec " + line).c_str(), nullptr);
+  if (setpgid(0, 0) == 0)
+    (void)execl("/bin/sh", "sh", "-c", ("exec " + line + " >/tmp/out").c_str(), nullptr);
   _exit(126);
 }
 
@@ -62,20 +63,20 @@ struct Ending {
   int exit = -1;
   int signal = 0;
   int suspended = 0;  // how often it was continued
-  std::string out;
 };
 
 // Runs a command line in a process group of its own, and waits until all processes that come of it
 // have ended, those that outlive the command too. Where the command is suspended, it must not hold
 // the lock; it is continued then.
-Ending runToTheEnd(const TestHost& host, const std::string& line) {
+Ending runToTheEnd(const std::string& line) {
   Ending ending;
   const pid_t program = spawn(line);
   for (int tries = 0; tries < 50000; ++tries) {
     int status = 0;
     const pid_t changed = waitpid(-1, &status, WNOHANG | WUNTRACED);
     if (changed < 0) {
-      break;
+      EXPECT_TRUE(lockIsFree());
+      return ending;
     }
     if (changed == 0) usleep(200);
     if (changed != program) continue;
@@ -86,46 +87,12 @@ Ending runToTheEnd(const TestHost& host, const std::string& line) {
     ++ending.suspended;
     EXPECT_EQ(kill(program, SIGCONT), 0);
   }
-  if (waitpid(-1, nullptr, WNOHANG) >= 0) {
-    ADD_FAILURE() << "a process does not end: " << line;
-    std::exit(1);  // it would disturb what comes next, and vanishes with the host
-  }
-  EXPECT_TRUE(lockIsFree());
-  ending.out = host.read("/tmp/out");
-  return ending;
-}
-
-struct Call {
-  std::string name;
-  int number;  // among those of the name
-  int forks;   // how many there were before it
-};
-
-// The calls from the making of the keeper's channel on.
-std::vector<Call> lastCalls() {
-  std::ifstream trace("/run/trace");
-  std::map<std::string, int> counts;
-  std::vector<Call> calls;
-  int forks = 0;
-  for (std::string line; std::getline(trace, line);) {
-    const std::string name = line.substr(0, line.find('('));
-    if (name.find(' ') != name.npos || name == "exit_group") continue;  // a signal, or the end
-    if (line.find("ERESTART") != line.npos) continue;  // the end of a child came between
-    const Call call = {name, ++counts[name], forks};
-    if (name == "socketpair" || !calls.empty()) calls.push_back(call);
-    if (name == "clone" || name == "clone3" || name == "fork") ++forks;
-  }
-  return calls;
+  ADD_FAILURE() << "a process does not end: " << line;
+  std::exit(1);  // it would disturb what comes next, and vanishes with the host
 }
 
 std::string traced(const std::string& options, const std::string& command) {
-  return "/usr/bin/strace -D -qq -o /run/trace -e raw=recvmsg " + options + " /usr/sbin/tunadm " +
-         command;
-}
-
-std::string injection(const Call& call, const std::string& what) {
-  return "-e trace=" + call.name + " -e inject=" + call.name + ":" + what +
-         ":when=" + std::to_string(call.number);
+  return std::string(kStrace) + " -D -qq " + options + " /usr/sbin/tunadm " + command;
 }
 
 // Each file is as it was or as the whole command leaves it, or it is a copy in a profile that was
@@ -142,24 +109,24 @@ void expectWhole(const TestHost& host, bool killed, std::map<std::string, std::s
   }
 }
 
-bool canTrace() { return TestHost().run("/usr/bin/strace -o /dev/null true").exit == 0; }
-
 void signalsAtEachCall(const std::string& command) {
-  if (!canTrace()) GTEST_SKIP() << "no program can be traced here";
-  const std::pair<const char*, int> signals[] = {
+  skipUnlessTracing();
+  const std::pair<std::string, int> signals[] = {
       {"KILL", SIGKILL}, {"QUIT", SIGQUIT}, {"INT", SIGINT}, {"TSTP", SIGTSTP}};
   RestartHost clean;
   const auto before = clean.files();
-  EXPECT_EQ(runToTheEnd(clean, traced("", command)).exit, 0);
+  EXPECT_EQ(runToTheEnd(traced("", command)).exit, 0);
   const auto after = clean.files();
-  const std::vector<Call> calls = lastCalls();
+  std::vector<Call> calls = lastTrace();  // those before the keeper's channel is made do not matter
+  calls.erase(calls.begin(), std::ranges::find(calls, "socketpair", &Call::name));
+  std::erase_if(calls, [](const Call& call) { return call.isOneOf({"---", "exit_group"}); });
   ASSERT_TRUE(calls.size() > 20 && calls.back().forks == 2);
   for (const Call& call : calls) {
     for (const auto& [name, number] : signals) {
-      SCOPED_TRACE(command + ", " + call.name + " " + std::to_string(call.number) + ", " + name);
+      SCOPED_TRACE(testing::Message() << command << "\n" << call.text << "\n" << name);
       RestartHost host;
-      const std::string line = traced(injection(call, std::string("signal=SIG") + name), command);
-      const Ending ending = runToTheEnd(host, line);
+      const Ending ending = runToTheEnd(
+          traced("-e trace=" + call.name + " -e " + call.injection("signal=SIG" + name), command));
       const bool stops = number == SIGTSTP;
       EXPECT_TRUE(stops ? ending.exit == 0 : ending.signal == number) << ending.exit;
       EXPECT_EQ(ending.suspended, stops ? 1 : 0);
@@ -200,27 +167,21 @@ TEST(Restart, SignalsFromTheScripts) {
       {"", "kill -s KILL $PPID", SIGKILL, 0, all},
       {kill_keeper, "", 0, 0, all},
       {"until grep -q start /tmp/calls; do sleep 0.1; done &", "", 0, 0, all},
+      // A listing takes the lock when it has a name to repair.
+      {"", "mkdir /opt/vrx/profiles/new; timeout 5 tunadm list profiles | grep new:", 0, 0,
+       "stop\nend\nstart\nnew: profile\nprofile_name: x\nend\n"},
   };
   for (const std::string command : kCommands) {
     for (const auto& c : cases) {
       SCOPED_TRACE(command + ", " + c.in_stop + ", " + c.in_start);
       RestartHost host;
       host.scripts(c.in_stop, c.in_start);
-      const Ending ending = runToTheEnd(host, "/usr/sbin/tunadm " + command + " sys=initd");
+      const Ending ending = runToTheEnd("/usr/sbin/tunadm " + command + " sys=initd");
+      EXPECT_EQ(ending.exit, c.signal == 0 ? 0 : -1);
       EXPECT_EQ(ending.signal, c.signal);
       EXPECT_EQ(ending.suspended, c.suspended);
       EXPECT_EQ(host.calls(), c.calls);
     }
-  }
-}
-
-// A listing takes the lock when it has a name to repair.
-TEST(Restart, AStartMayListProfiles) {
-  for (const std::string command : kCommands) {
-    RestartHost host;
-    host.scripts("", "mkdir -p /opt/vrx/profiles/unnamed; timeout 5 tunadm list profiles");
-    EXPECT_EQ(runToTheEnd(host, "/usr/sbin/tunadm " + command + " sys=initd").exit, 0);
-    EXPECT_NE(host.calls().find("unnamed: profile\n"), std::string::npos) << host.calls();
   }
 }
 
