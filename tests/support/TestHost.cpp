@@ -166,6 +166,10 @@ std::string TestHost::says(const std::string& words, RunAs user) const {
   return run("/usr/sbin/tunadm " + words, user).out;
 }
 
+std::string TestHost::shell(const std::string& commands) const {
+  return runWords({"/bin/sh", "-c", "exec 2>&1; cd /opt/vrx/profiles\n" + commands}).out;
+}
+
 std::string failure(const std::string& text, const std::string& code) {
   return "status_text: " + text + "\nstatus_code: " + code + "\n";
 }

@@ -76,6 +76,8 @@ class TestHost {
   Outcome runWords(const std::vector<std::string>& words, RunAs user = RunAs::kRoot) const;
   // What tunadm prints when it is run so.
   std::string says(const std::string& words, RunAs user = RunAs::kRoot) const;
+  // What a shell prints that runs this in the profiles directory, on both outputs.
+  std::string shell(const std::string& commands) const;
 };
 
 // What tunadm prints on a failure.
