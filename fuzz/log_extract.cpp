@@ -19,15 +19,16 @@ void checkInput(const std::string& text) {
     if (!line.empty() && parseLevel(line) >= &kLogLevels[threshold]) expected.push_back(line);
   }
   if (std::ssize(expected) > wanted) expected.erase(expected.begin(), expected.end() - wanted);
-  std::string wanted_lines, lines, runs;
-  for (const std::string& line : expected) wanted_lines += line + "\n";
+  std::string wanted_runs, runs;
+  for (const std::string& line : expected) wanted_runs += line + "\n";
+  std::vector<std::string> lines;
   LogExtract extract;
   const Status read = extract.find(fileWith(log), wanted, &kLogLevels[threshold]);
-  extract.forEachLine([&lines](std::string_view line) { lines.append(line).append("\n"); });
+  extract.forEachLine([&lines](std::string_view line) { lines.emplace_back(line); });
   extract.forEachRun([&runs](std::string_view run) { runs.append(run).append("\n"); });
   require(read.code() == kSuccess, "the log can be read");
-  require(lines == wanted_lines, "the last lines of the level");
-  require(runs == lines, "runs of the same lines");
+  require(lines == expected, "the last lines of the level");
+  require(runs == wanted_runs, "runs of the same lines");
 }
 
 }  // namespace tunadm
