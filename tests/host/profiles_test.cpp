@@ -1,6 +1,9 @@
 // The profile store, used through its own functions at its real place.
 
+#include <functional>
+
 #include "profiles/CurrentProfile.h"
+#include "profiles/FlatForms.h"
 #include "profiles/ProfileList.h"
 #include "tests/support/TestHost.h"
 
@@ -86,6 +89,35 @@ TEST(ProfileList, WhatCannotBeReadIsNotReplaced) {
   EXPECT_EQ(host.read(".current"), unreadable);
   host.remove(".current");
   EXPECT_TRUE(enterCurrentProfile(&path));
+}
+
+// With each size of a buffer, whose next byte belongs to somebody else.
+TEST(FlatForms, FillTheirBufferAndNoMore) {
+  TestHost host;
+  host.profile("one", "one").file("one/hip.conf", "").file(".current", "one\n");
+  TakenNames taken;
+  taken.add("a");
+  using Form = std::function<bool(char*, std::size_t)>;
+  const std::string root = "/opt/vrx//profiles/";
+  const std::pair<Form, std::string> cases[] = {
+      {[](auto... to) { return rootDirectory(to...); }, "/opt/vrx/"},
+      {[](auto... to) { return profileDirectory("x", to...); }, root + "x"},
+      {[](auto... to) { return profileDirectory("", to...); }, ""},
+      {[](auto... to) { return factoryDirectory(to...); }, root + ".factory"},
+      {[](auto... to) { return currentMarkerPath(to...); }, root + ".current"},
+      {[](auto... to) { return currentProfileDirectory(to...); }, root + "one"},
+      {[](auto... to) { return profileFile("x", "y", to...); }, root + "x/y"},
+      {[](auto... to) { return profileFile("x", "", to...); }, ""},
+      {[](auto... to) { return currentProfileFile("y", to...); }, root + "one/y"},
+      {[](auto... to) { return enterCurrentProfile(to...); }, root + "one"},
+      {[&](auto... to) { return uniqueName("a", &taken, to...); }, "a#2"}};
+  for (const auto& [form, text] : cases) {
+    for (std::size_t size = 0; size < text.size() + 2; ++size) {
+      std::string buffer(size + 1, '!');
+      EXPECT_EQ(form(buffer.data(), size), size > text.size() && !text.empty()) << text << size;
+      EXPECT_EQ(buffer, size == 0 ? "!" : text.substr(0, size - 1) + "\0!"s) << size;
+    }
+  }
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <mutex>
 #include <thread>
 
+#include "fundkit/AsciiText.h"
 #include "fundkit/BasicLog.h"
 #include "fundkit/Duration.h"
 #include "fundkit/LogLevel.h"
@@ -20,6 +21,11 @@
 
 namespace tunadm {
 namespace {
+
+TEST(AsciiText, TrimsWhatIsNotGraphic) {
+  EXPECT_EQ(trimGraphic("\x7f \x80!a b~\x7f\n"), "!a b~");
+  EXPECT_EQ(trimGraphic(" \t"), "");
+}
 
 // Further texts are a matter of fuzz/small_texts.cpp.
 TEST(LogLevel, NamesAndPriorities) {
