@@ -16,10 +16,11 @@
 namespace tunadm {
 namespace {
 
-// How many subdirectories there may be: on most file systems each has a link to its parent.
-std::size_t countLinks(int directory) {
+// About how many subdirectories there are: on most file systems each has a link to its parent.
+std::size_t expectedCount(int directory) {
+  constexpr nlink_t kMostBelieved = 100000;
   struct stat found {};
-  return fstat(directory, &found) == 0 ? found.st_nlink : 0;
+  return fstat(directory, &found) == 0 ? std::min(found.st_nlink, kMostBelieved) : 0;
 }
 
 }  // namespace
@@ -30,7 +31,7 @@ Status StoreScan::read() {
   others_.clear();
   DirectoryStream store(openDescriptor(std::string(kProfilesRoot), O_RDONLY | O_DIRECTORY));
   if (!store.valid()) return systemFailure(kOpendirFailed, "open", kProfilesRoot);
-  profiles_.reserve(countLinks(store.descriptor()));
+  profiles_.reserve(expectedCount(store.descriptor()));
   std::string path;
   while (const dirent* entry = store.next()) {
     std::string name = entry->d_name;
@@ -54,7 +55,7 @@ void StoreScan::sortByName() {
   by_name_.clear();
   by_name_.reserve(profiles_.size());
   for (ProfileRef& profile : profiles_) by_name_.push_back(&profile);
-  std::ranges::sort(by_name_, {}, &ProfileRef::profile_name);
+  std::ranges::stable_sort(by_name_, {}, &ProfileRef::profile_name);
 }
 
 bool StoreScan::sound() {

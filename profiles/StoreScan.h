@@ -16,12 +16,16 @@ namespace tunadm {
 // profiles, and neither are symbolic links.
 class StoreScan {
  public:
+  StoreScan() = default;
+  StoreScan(const StoreScan&) = delete;
+  StoreScan& operator=(const StoreScan&) = delete;
+
   // Reads the directory and the names afresh. Fails with kOpendirFailed when the directory cannot
   // be listed, and with kReadFailed when a name that is there cannot be read: it must not be taken
   // for none, and be replaced.
   Status read();
 
-  // True when every profile has a friendly name that no other has.
+  // True when every profile has a friendly name that no other has. Sorts them to see that.
   [[nodiscard]] bool sound();
 
   // Gives a unique name, on disk, to each profile that has none or shares it with one before it in
