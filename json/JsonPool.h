@@ -12,8 +12,9 @@ namespace tunadm {
 // Allocates small blocks, which a tree needs by the million, in a few instructions each: from
 // blocks of the same size that were given back, or else from the end of a large chunk. When all
 // small blocks have been given back, it starts again with its first chunk, so that the next tree is
-// contiguous. Large blocks, of which a tree has few, are kept as well: fresh ones of the system
-// cost a page fault for every 4 KiB. It returns no memory to the system. Only one thread may use it.
+// contiguous. Large blocks, of which a tree has few, have the size of a power of two and are kept
+// as well: fresh ones from the system cost a page fault for every 4 KiB. It returns no memory to
+// the system. Only one thread at a time may use it.
 class JsonPool {
  public:
   // Returns at least `size` bytes, aligned for pointers and doubles.
@@ -63,6 +64,7 @@ class JsonPool {
     return std::exchange(remainder_, remainder_ + block_size);
   }
 
+  // The same for a size above kLargestBlock.
   void* takeLarge(std::size_t size);
   void giveLarge(void* memory, std::size_t size);
   void addChunk();

@@ -11,8 +11,9 @@
 namespace tunadm {
 
 // A hash table from names to the positions of their members. It holds no names: the caller compares
-// those of the positions that it proposes. With 8 bytes for a slot, the table of a large object
-// still fits the processor's caches. A position takes 32 bits: so many members would need 100 GB.
+// those of the positions that it proposes. A slot has only 8 bytes, so that much of the table of
+// a large object stays in the processor's caches. A position takes 32 bits: so many members would
+// need 100 GB.
 class NameIndex {
  public:
   using Hash = std::uint32_t;
