@@ -10,6 +10,7 @@
 #include <thread>
 #include <tuple>
 
+#include "fundkit/DescriptorIo.h"
 #include "fundkit/DirectoryListing.h"
 #include "fundkit/FileUtils.h"
 #include "fundkit/LockFile.h"
@@ -326,6 +327,24 @@ TEST(ReplaceFile, FlushesBeforeAndAfterTheMove) {
             "new /tmp/fs/four O_WRONLY 0600\nfsync /tmp/fs/four\nfsync /tmp/fs\n"  // in place
             "fsync /tmp/t/sub/deep\nfsync /tmp/t/sub\nfsync /tmp/t\n"
             "openat line\nread line\nclose line\nnew /tmp/e/unique O_RDWR 0644\n");
+}
+
+// Longer than the pipe takes at once.
+TEST(WriteOutput, WaitsForASlowReader) {
+  int ends[2];
+  ASSERT_EQ(pipe2(ends, O_NONBLOCK | O_CLOEXEC), 0);
+  std::string got;
+  std::thread reader([&] {
+    usleep(50000);
+    ASSERT_EQ(fcntl(ends[0], F_SETFL, 0), 0);
+    EXPECT_TRUE(readAll(ends[0], std::size_t{1} << 20, &got));
+  });
+  const std::string text(1000000, 'x');
+  EXPECT_TRUE(writeOutput(ends[1], text));
+  EXPECT_EQ(close(ends[1]), 0);
+  reader.join();
+  EXPECT_EQ(close(ends[0]), 0);
+  EXPECT_TRUE(got == text) << got.size();
 }
 
 TEST(UniqueFile, NameModeAndAttempts) {

@@ -237,6 +237,12 @@ TEST(Diagnostics, LogVersionsBundleAndInterfaces) {
   const std::string interfaces = host.says("show interfaces --verbose");
   EXPECT_EQ(interfaces.rfind("method: list interfaces\nstatus_text: success\n", 0), 0u);
   EXPECT_EQ(interfaces.find("\nlo\n"), std::string::npos);
+  EXPECT_EQ(host.shell("seq 100002 >/opt/vrx/profiles/b/hip.log\n"
+                       "tunadm list log long max_lines=200000 | sed -n '1p;$='"),
+            "3\n100001\n")
+      << "no more than 100,000 lines";
+  host.remove(".factory/firmware_revision");
+  EXPECT_EQ(host.says("list versions"), "hipapp_version: \ntunadm_version: 2.2\n");
   host.remove("/opt/vrx/bin").file(".factory/firmware_revision", std::string(1100000, 'x'));
   host.file("a/hip.log", "E~ secret\n", 0);
   expectRows({"list versions -> hipapp_version: 2.2\ntunadm_version: 2.2\n",

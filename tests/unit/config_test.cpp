@@ -7,6 +7,7 @@
 
 #include "profiles/ConfigControl.h"
 #include "profiles/ConfigText.h"
+#include "service/InitSystems.h"
 #include "tests/support/Rows.h"
 
 namespace tunadm {
@@ -56,6 +57,17 @@ TEST(NetworkInterfaces, Candidates) {
   EXPECT_FALSE(taken("lo", AF_INET, "127.0.0.1", IFF_UP | IFF_LOOPBACK));
   EXPECT_FALSE(taken("eth0", AF_INET6, "0.0.0.0", IFF_UP));
   EXPECT_EQ(taken("eth0", AF_INET, "10.20.254.169", IFF_UP), !kLowByteFirst);
+}
+
+TEST(InitSystems, AreSelectedByName) {
+  std::string names;
+  std::vector<std::string_view> selected = systemNames();
+  selected.insert(selected.end(), {"", "unknown"});
+  for (const std::string_view name : selected) {
+    selectSystem(name);
+    names.append(currentSystem().name()).append(" ");
+  }
+  EXPECT_EQ(names, "systemd initd upstart null null null systemd ");
 }
 
 }  // namespace

@@ -196,6 +196,20 @@ TEST(StatusText, OfTheModuleElseOfTheCategory) {
       });
 }
 
+TEST(StatusText, OfFailedCalls) {
+  std::string texts;
+  for (int code = 0x14000001; code < 0x14000015; ++code)
+    texts += statusText(static_cast<StatusCode>(code)) + std::string("; ");
+  EXPECT_EQ(texts,
+            "error on host system; stdlib error: opendir; stdlib error: readlink; "
+            "stdlib error: file stat; stdlib error: file open; stdlib error: file read; "
+            "stdlib error: file write; stdlib error: chmod; stdlib error: getifaddrs; "
+            "stdlib error: fork; stdlib error: waitpid; stdlib error: unlink; "
+            "stdlib error: unlink(directory); stdlib error: rmdir; stdlib error: mkdir; "
+            "stdlib error: rename; stdlib error: copyfile; stdlib error: getcwd; "
+            "stdlib error: system; generic host error; ");
+}
+
 TEST(RequestForm, BuiltFromWords) {
   const char* words[] = {"tunadm", "profile", "create", "p1", "helmsman=h:1=2"};
   ScopedJson request;

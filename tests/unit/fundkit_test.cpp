@@ -117,6 +117,16 @@ TEST(Assertion, EndsByAnIllegalInstruction) {
 
 std::string report;
 
+TEST(Assertion, GoesToTheHandler) {
+  setAssertHandler([](const char* file, int line, const char* message) {
+    report = file + std::to_string(line) + message;
+  });
+  assertFailure("f", 7, "m");
+  EXPECT_EQ(report, "f7m");
+  EXPECT_EXIT((setAssertHandler(nullptr), assertFailure("f", 7, "m")),
+              testing::KilledBySignal(SIGILL), "f line 7");
+}
+
 // Every wait and hold that is noted takes 3 milliseconds at least.
 void passTime() {
   for (const TimePoint start = monotonicTime(); monotonicTime() - start < 3000;) continue;

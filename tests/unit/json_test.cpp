@@ -231,6 +231,7 @@ TEST(JsonObject, ManyMembersStayFoundWhileTheyComeAndGo) {
   for (int i = 0; i < kCount; i += 6) setMember(object.get(), name(i), makeNumber(i));
   for (int i = 0; i < kCount; ++i) {
     ASSERT_EQ(taken(detachMember(object.get(), name(i))), i % 6 == 3 ? "" : std::to_string(i));
+    ASSERT_EQ(findMember(object.get(), name(i)), -1) << i;
   }
   EXPECT_EQ(objectSize(object.get()), 0u);
 }
