@@ -112,7 +112,7 @@ void expectWhole(const TestHost& host, bool killed, std::map<std::string, std::s
 void signalsAtEachCall(const std::string& command) {
   skipUnlessTracing();
   const std::pair<std::string, int> signals[] = {
-      {"KILL", SIGKILL}, {"QUIT", SIGQUIT}, {"INT", SIGINT}, {"TSTP", SIGTSTP}};
+      {"KILL", SIGKILL}, {"QUIT", SIGQUIT}, {"HUP", SIGHUP}, {"TSTP", SIGTSTP}};
   RestartHost clean;
   const auto before = clean.files();
   EXPECT_EQ(runToTheEnd(traced("", command)).exit, 0);
@@ -156,9 +156,9 @@ TEST(Restart, SignalsFromTheScripts) {
     int suspended;
     std::string calls;
   } cases[] = {
-      // What is typed at a terminal reaches the process group: the command, and what it runs.
+      // A signal to the process group, such as Ctrl-C sends, reaches the command and what it runs.
       {"kill -s INT 0", "", SIGINT, 0, unfinished},
-      {"kill -s QUIT 0", "", SIGQUIT, 0, unfinished},
+      {"kill -s TERM 0", "", SIGTERM, 0, unfinished},
       {"kill -s KILL 0", "", SIGKILL, 0, unfinished},
       {"kill -s TSTP 0", "", 0, 1, all},
       {"", "kill -s INT -- -$PPID", SIGINT, 0, all},
