@@ -32,7 +32,7 @@ struct RestartHost : TestHost {
   }
 
   // Scripts for sys=initd that record their calls and do this in the middle. The start takes the
-  // lock of the store, so nobody may hold it who waits for the start.
+  // lock of the store, so no process that waits for the start may hold it.
   void scripts(const std::string& in_stop, const std::string& in_start) {
     const auto script = [this](const char* path, const std::string& verb, const std::string& body) {
       file(path, "#!/bin/sh\nexec >>/tmp/calls\necho " + verb + "\n" + body + "\necho end\n", 0755);
