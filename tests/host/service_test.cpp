@@ -2,6 +2,9 @@
 
 #include <sys/file.h>
 
+#include <chrono>
+#include <future>
+
 #include "fundkit/ScopedFd.h"
 #include "service/ServiceStatus.h"
 #include "tests/support/Rows.h"
@@ -320,20 +323,28 @@ TEST(Reset, RemovesStateFilesOnly) {
 
 TEST(Concurrency, ChangesWaitForTheLock) {
   ServiceHost host;
+  host.profile("three", "three").profile("four", "four").profile("five", "five");
   const auto before = host.file("/tmp/lock/profiles.lock", "").files();
-  const ScopedFd lock(open("/tmp/lock/profiles.lock", O_RDWR | O_CLOEXEC));
+  ScopedFd lock(open("/tmp/lock/profiles.lock", O_RDWR | O_CLOEXEC));
   EXPECT_EQ(flock(lock.get(), LOCK_EX), 0);
   std::string commands, warnings, ends;
   for (const std::string words :
-       {"profile activate two", "profile create x helmsman=h", "profile delete two",
-        "profile modify two network=x", "profile rename two new_name=y", "support reset one"}) {
-    commands.append("(timeout 3 tunadm ").append(words + "; echo ").append(words + ": $?) &\n");
+       {"profile activate two", "profile create x helmsman=h", "profile delete three",
+        "profile modify four network=x", "profile rename five new_name=y", "support reset one"}) {
+    commands += "(timeout 20 tunadm " + words + "; echo " + words + ": $?) >>/tmp/said 2>&1 &\n";
     warnings += "W~ tunadm LockFile LockFile: waiting for the lock held by process " +
                 std::to_string(getpid()) + "\n";
-    ends += words + ": 124\n";
+    ends += words + ": 0\n";
   }
-  EXPECT_EQ(host.shell("{\n" + commands + "wait\n} | LC_ALL=C sort"), warnings + ends);
+  auto said = std::async(std::launch::async, [&host, &commands] {
+    return host.shell(commands + "wait\ngrep -E '~|status|: [0-9]' /tmp/said | LC_ALL=C sort");
+  });
+  while (host.shell("cat /tmp/said") != warnings &&
+         said.wait_for(std::chrono::milliseconds(10)) != std::future_status::ready) {
+  }
   EXPECT_EQ(host.files(), before);
+  EXPECT_EQ(lock.close(), 0);
+  EXPECT_EQ(said.get(), warnings + ends);
 }
 
 }  // namespace
