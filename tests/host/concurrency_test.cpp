@@ -1,8 +1,13 @@
 // Many processes at once on one store, some of which are killed.
 
+#include <sys/file.h>
+
+#include <chrono>
+#include <future>
 #include <random>
 #include <set>
 
+#include "fundkit/ScopedFd.h"
 #include "tests/support/TestHost.h"
 
 namespace tunadm {
@@ -87,6 +92,24 @@ TEST(Concurrency, NothingIsLostOrNamedTwice) {
   }
   for (int number = kKillers; number < kWorkers; ++number)
     EXPECT_TRUE(names.contains("own" + std::to_string(number) + ".")) << number;
+}
+
+// A listing that saw a profile without a name reads it again under the lock before it repairs it.
+TEST(Concurrency, ANameGivenMeanwhileIsKept) {
+  TestHost host;
+  host.profile("new").file("/tmp/lock/profiles.lock", "");
+  ScopedFd lock(open("/tmp/lock/profiles.lock", O_RDWR | O_CLOEXEC));
+  EXPECT_EQ(flock(lock.get(), LOCK_EX), 0);
+  auto listed = std::async(std::launch::async, [&host] {
+    return host.run("/usr/bin/timeout 20 /usr/sbin/tunadm list profiles").out;
+  });
+  while (host.read("/proc/locks").find("->") == std::string::npos &&
+         listed.wait_for(std::chrono::milliseconds(1)) != std::future_status::ready) {
+  }
+  host.file("new/profile_name", "given\n");
+  EXPECT_EQ(lock.close(), 0);
+  EXPECT_TRUE(listed.get().starts_with("new: given\n"));
+  EXPECT_EQ(host.read("new/profile_name"), "given\n");
 }
 
 }  // namespace
