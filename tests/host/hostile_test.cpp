@@ -18,7 +18,7 @@ Outcome run(const TestHost& host, const std::string& before, const std::string& 
   return host.runWords({"/bin/sh", "-c", before + run + line + after});
 }
 
-std::string shell(const TestHost& host, const char* line) {
+std::string outputOf(const TestHost& host, const char* line) {
   return host.runWords({"/bin/sh", "-c", line}).out;
 }
 
@@ -84,10 +84,10 @@ TEST(Hostile, TrapsAtPathsThatOthersWriteTo) {
         std::filesystem::remove_all(path);
         // Only root can make devices and give files away, and what root owns is trusted.
         if (!set(path.c_str()) || (path != marker && lchown(path.c_str(), 1000, 1000) != 0)) break;
-        const std::string before = shell(host, kOutside);
+        const std::string before = outputOf(host, kOutside);
         const Outcome outcome = run(host, "", line);
         EXPECT_EQ(outcome.exit, 0);
-        EXPECT_EQ(shell(host, kOutside), before);
+        EXPECT_EQ(outputOf(host, kOutside), before);
         if (path == "/tmp/lock" && line == kCommands[0]) {
           EXPECT_EQ(
               outcome.err,
@@ -139,7 +139,7 @@ TEST(Hostile, EnvironmentMakesNoDifference) {
       EXPECT_EQ(outcome.exit, 0) << preparation << ": " << line;
       out += outcome.out;
     }
-    out += shell(host, kStore);
+    out += outputOf(host, kStore);
     if (expected.empty()) expected = out;
     // What is printed is lost if the output is closed.
     const std::size_t length =
@@ -233,7 +233,7 @@ TEST(Hostile, FullDisks) {
       if (trouble == 0) healthy = after;
       for (const auto& [path, text] : before)
         EXPECT_EQ(after[path], after[path] == text ? text : healthy[path]) << path;
-      EXPECT_EQ(shell(host, "find /opt -name '*.temp'"), "");
+      EXPECT_EQ(outputOf(host, "find /opt -name '*.temp'"), "");
       EXPECT_EQ(umount("/opt/vrx"), 0);
       EXPECT_EQ(umount("/tmp/lock"), trouble == 0 ? 0 : -1);
     }
