@@ -331,7 +331,8 @@ TEST(Concurrency, ChangesWaitForTheLock) {
   for (const std::string words :
        {"profile activate two", "profile create x helmsman=h", "profile delete three",
         "profile modify four network=x", "profile rename five new_name=y", "support reset one"}) {
-    commands += "(timeout 20 tunadm " + words + "; echo " + words + ": $?) >>/tmp/said 2>&1 &\n";
+    commands.append("(timeout 20 tunadm ").append(words + "; echo ").append(words);
+    commands += ": $?) >>/tmp/said 2>&1 &\n";
     warnings += "W~ tunadm LockFile LockFile: waiting for the lock held by process " +
                 std::to_string(getpid()) + "\n";
     ends += words + ": 0\n";
