@@ -234,7 +234,7 @@ struct FaultyRuns {
     // Quicker, but children would have calls of theirs spoiled as well, and a signal gets lost.
     if (!has_children && !killed) options += " -f --seccomp-bpf";
     const FaultHost host(row.store);
-    const Outcome outcome = run(host, options);
+    Outcome outcome = run(host, options);
     Files files = host.files();
     expectStarted(host);
     if (killed) {
