@@ -62,7 +62,7 @@ std::string attributesOf(const char* path) {
   return text;
 }
 
-// All calls, made in this order, have ended with this code.
+// All calls, made in this order, returned this code.
 void expectAll(StatusCode code, std::initializer_list<Status> ends) {
   for (const Status& end : ends) EXPECT_EQ(end.code(), code) << &end - ends.begin();
 }

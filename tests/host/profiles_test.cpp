@@ -71,7 +71,7 @@ TEST(CurrentProfile, EnteringHealsAStaleMarker) {
   host.file(".current", "z\n");
   ASSERT_TRUE(enterCurrentProfile(&path));
   char directory[100];
-  EXPECT_STREQ(getcwd(directory, sizeof directory), "/opt/vrx/profiles/z");
+  EXPECT_STREQ(getcwd(directory, sizeof(directory)), "/opt/vrx/profiles/z");
 }
 
 // A line of more than a mebibyte stands for a file that cannot be read.
@@ -91,7 +91,7 @@ TEST(ProfileList, WhatCannotBeReadIsNotReplaced) {
   EXPECT_TRUE(enterCurrentProfile(&path));
 }
 
-// With each size of a buffer, whose next byte belongs to somebody else.
+// With each size of a buffer; the byte after it must stay untouched.
 TEST(FlatForms, FillTheirBufferAndNoMore) {
   TestHost host;
   host.profile("one", "one").file("one/hip.conf", "").file(".current", "one\n");
