@@ -142,6 +142,19 @@ TEST(Defaults, RefuseEverything) {
   EXPECT_EQ(taken, std::vector<bool>(taken.size(), false));
 }
 
+TEST(Sinks, OfTextTakeAllButAStatus) {
+  const LineReceiver out = [](std::string_view) {};
+  StringVectorValueBinder sink(out);
+  const std::vector<bool> taken = {sink.addText("", ""),
+                                   sink.addInteger("", 0),
+                                   sink.addBoolean("", true),
+                                   sink.addList("", [](const LineReceiver&) {}),
+                                   sink.addRecord("", {}),
+                                   sink.addRecords("", [](const RecordReceiver&) {}),
+                                   sink.addStatus("", Status(kSuccess))};
+  EXPECT_EQ(taken, (std::vector<bool>{true, true, true, true, true, true, false}));
+}
+
 // Shows as "~" what replaces a byte that is not part of a character.
 std::string escaped(const std::string& text) {
   std::string json;
