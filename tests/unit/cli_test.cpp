@@ -34,6 +34,16 @@ std::string helpedWith(const std::string& words) {
   return page[0].empty() ? page[2].substr(0, page[2].find(" - ")) : page[0];
 }
 
+TEST(Catalogue, CommandsOfTheGeneralHelp) {
+  std::string names;
+  for (const std::string& line : helpPage(split("help")))
+    if (line.starts_with("    '") && !line.starts_with("    'help"))
+      names += line.substr(4, line.find('\'', 5) - 3) + " ";
+  EXPECT_EQ(names,
+            "'profile activate' 'profile create' 'profile delete' 'profile rename' "
+            "'service start' 'service stop' 'list profiles' ");
+}
+
 TEST(Catalogue, WaysToNameACommandAndItsHelp) {
   for (const std::string name :
        {"profile create", "profile activate", "profile delete", "profile details", "profile modify",
