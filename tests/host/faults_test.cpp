@@ -355,6 +355,15 @@ TEST_P(Faults, EachCall) {
   FaultyRuns{GetParam()}.spoilAll();
 }
 
+TEST(Output, HasNoHoleAfterAFailedWrite) {
+  skipUnlessTracing();
+  TestHost host;
+  host.profile("a", "a").file("a/hip.log", std::string(400000, 'x'));  // more than one write takes
+  EXPECT_EQ(host.shell("strace -qq -o /dev/null -e inject=write:error=EIO:when=1 "
+                       "tunadm list log a max_lines=1000 2>/dev/null | wc -c"),
+            "0\n");
+}
+
 // The command, and the store if it is not the usual one.
 std::string nameOf(const testing::TestParamInfo<Row>& row) {
   std::string name = row.param.line;
