@@ -97,15 +97,15 @@ struct JsonAllocator {
   template <typename Other>
   constexpr explicit(false) JsonAllocator(const JsonAllocator<Other>& /*other*/) {}
 
-  T* allocate(std::size_t count) {
-    // T is a pointer in some places, on purpose: hence the two exceptions.
-    void* const memory = json_pool.take(count * sizeof(T));  // NOLINT(bugprone-sizeof-expression)
-    return static_cast<T*>(memory);
-  }
-  void deallocate(T* memory, std::size_t count) {
-    json_pool.give(memory, count * sizeof(T));  // NOLINT(bugprone-sizeof-expression): see above
-  }
+  T* allocate(std::size_t count) { return static_cast<T*>(json_pool.take(bytesOf(count))); }
+  void deallocate(T* memory, std::size_t count) { json_pool.give(memory, bytesOf(count)); }
   bool operator==(const JsonAllocator&) const = default;
+
+ private:
+  static constexpr std::size_t bytesOf(std::size_t count) {
+    // NOLINTNEXTLINE(bugprone-sizeof-expression): T is a pointer in some places, on purpose.
+    return count * sizeof(T);
+  }
 };
 
 }  // namespace tunadm
