@@ -111,7 +111,9 @@ TEST(Service, OrdinaryUsersAreRefused) {
 TEST(Service, RefusalsChangeNothing) {
   ServiceHost host(Daemon::kUp);
   const std::pair<std::string, Lines> cases[] = {
-      {kNotFound, {"profile activate three", "profile rename three new_name=x"}},
+      {kNotFound,
+       {"profile activate three", "profile rename three new_name=x", "profile delete three",
+        "support reset three", "list log three"}},
       {kInvalid,
        {"profile activate ", "profile delete .factory", "profile delete dir=.factory",
         "profile delete .current"}},
