@@ -4,7 +4,6 @@
 
 #include <chrono>
 #include <future>
-#include <random>
 #include <set>
 
 #include "fundkit/ScopedFd.h"
@@ -13,48 +12,45 @@
 namespace tunadm {
 namespace {
 
-constexpr int kWorkers = 64;
-constexpr int kKillers = 8;
-constexpr int kSeconds = 5;
-
-// Changes a profile of its own, which must be as it left it, and ones that all workers change.
-void work(const TestHost& host, const std::string& own, time_t deadline) {
-  std::string name = own;
-  const auto done = [&](const std::string& verb, const std::string& more) {
-    std::string out = host.says("profile " + verb + " " + name + " " + more);
-    EXPECT_EQ(out.find("status_code"), out.npos) << verb << " " << name << ":\n" << out;
-    return out;
-  };
-  (void)done("create", "helmsman=h");
-  for (int round = 1; round == 1 || time(nullptr) < deadline; ++round) {
-    const std::string next = own + std::to_string(round);
-    const std::string network = "network=eth" + std::to_string(round);
-    EXPECT_EQ(done("rename", "new_name=" + next), "profile_name: " + next + "\n");
-    name = next;
-    (void)done("modify", network);
-    for (const char* shared :
-         {"profile create office helmsman=h activate", "profile rename office new_name=lab",
-          "profile delete office#2", "profile delete lab"}) {
-      (void)host.says(shared);  // another may have been there first
-    }
-    EXPECT_NE(host.says("list profiles").find(": " + name + "\n"), std::string::npos) << name;
-    (void)done("activate", "sys=systemd");
-    EXPECT_NE(done("details", "").find(network + "\n"), std::string::npos) << name;
-  }
-  (void)done("rename", "new_name=" + own);
-}
-
-// Kills commands on the shared profiles, also while they hold the lock, but none that runs the init
+// Each worker changes a profile of its own, which must be as the worker left it, and ones that all
+// change. Commands on those are also killed while they hold the lock, but none that runs the init
 // system, which would go on after the lock is gone.
-void killSome(const TestHost& host, unsigned seed, time_t deadline) {
-  const std::string lines[] = {"create office helmsman=k", "delete office",
-                               "rename lab new_name=office", "modify lab network=eth9"};
-  std::mt19937 random(seed);
-  while (time(nullptr) < deadline) {
-    const std::string kill = "timeout -s KILL 0.00" + std::to_string(1000 + random() % 9000);
-    (void)host.run("/usr/bin/" + kill + " /usr/sbin/tunadm profile " + lines[random() % 4]);
-  }
+const char kWorkers[] = R"sh(
+goes_on() { [ $(date +%s) -lt $end ]; }
+must() { tunadm "$@" 2>/dev/null | grep -A1 status_text && echo "$*"; }
+work() {
+  own=$1 name=$1. round=0
+  must profile create $name helmsman=h
+  until [ $round -gt 0 ] && ! goes_on; do
+    round=$((round + 1))
+    must profile rename $name new_name=$own.$round
+    name=$own.$round
+    must profile modify $name network=eth$round
+    for shared in 'create office helmsman=h activate' 'rename office new_name=lab' \
+      'delete office#2' 'delete lab'; do
+      tunadm profile $shared >/dev/null 2>&1 # another may have been there first
+    done
+    tunadm list profiles 2>/dev/null | grep -q ": $name\$" || echo "not listed: $name"
+    must profile activate $name sys=systemd
+    tunadm profile details $name 2>/dev/null | grep -qx network=eth$round || echo "not changed: $name"
+  done
+  must profile rename $name new_name=$own
 }
+kill_some() {
+  while goes_on; do
+    for shared in 'create office helmsman=k' 'delete office' 'rename lab new_name=office' \
+      'modify lab network=eth9'; do
+      random=$(od -An -N2 -tu2 /dev/urandom)
+      timeout -s KILL 0.00$((1000 + random % 9000)) tunadm profile $shared >/dev/null 2>&1
+      [ $? != 137 ] || : >/tmp/killed
+    done
+  done
+}
+end=$(($(date +%s) + 5))
+for own in $(seq -f own%.0f 56); do work $own & done
+for killer in $(seq 8); do kill_some & done
+wait
+)sh";
 
 TEST(Concurrency, NothingIsLostOrNamedTwice) {
   TestHost host;
@@ -64,24 +60,8 @@ TEST(Concurrency, NothingIsLostOrNamedTwice) {
             "#!/bin/sh\n[ $1 = stop ] || exit 0\n"
             "mkdir /tmp/held || : >/tmp/held-twice\nrmdir /tmp/held\n",
             0755);
-  const time_t deadline = time(nullptr) + kSeconds;
-  std::vector<pid_t> workers;
-  for (int number = 0; number < kWorkers; ++number) {
-    workers.push_back(fork());
-    if (workers.back() != 0) continue;
-    alarm(kSeconds + 30);  // ends a worker that waits for the lock for ever
-    if (number < kKillers) {
-      killSome(host, static_cast<unsigned>(number), deadline);
-    } else {
-      work(host, "own" + std::to_string(number) + ".", deadline);
-    }
-    _exit(testing::Test::HasFailure() ? 1 : 0);
-  }
-  for (const pid_t worker : workers) {
-    int status = -1;
-    EXPECT_EQ(waitpid(worker, &status, 0), worker);
-    EXPECT_EQ(status, 0);
-  }
+  EXPECT_EQ(host.shell(kWorkers), "");
+  EXPECT_TRUE(host.exists("/tmp/killed"));
   EXPECT_FALSE(host.exists("/tmp/held-twice"));
   std::istringstream listed(host.says("list profiles"));
   std::set<std::string> names;
@@ -90,18 +70,19 @@ TEST(Concurrency, NothingIsLostOrNamedTwice) {
     EXPECT_TRUE(names.insert(name).second) << "twice: " << name;
     EXPECT_EQ(host.read(line.substr(0, line.find(':')) + "/profile_name"), name + "\n");
   }
-  for (int number = kKillers; number < kWorkers; ++number)
-    EXPECT_TRUE(names.contains("own" + std::to_string(number) + ".")) << number;
+  for (int number = 1; number <= 56; ++number)
+    EXPECT_TRUE(names.contains("own" + std::to_string(number))) << number;
 }
 
 // A listing that saw a profile without a name reads it again under the lock before it repairs it.
+// The environment says where the lock is.
 TEST(Concurrency, ANameGivenMeanwhileIsKept) {
   TestHost host;
-  host.profile("new").file("/tmp/lock/profiles.lock", "");
-  ScopedFd lock(open("/tmp/lock/profiles.lock", O_RDWR | O_CLOEXEC));
+  host.profile("new").file("/run/tunadm/profiles.lock", "");
+  ScopedFd lock(open("/run/tunadm/profiles.lock", O_RDWR | O_CLOEXEC));
   EXPECT_EQ(flock(lock.get(), LOCK_EX), 0);
   auto listed = std::async(std::launch::async, [&host] {
-    return host.run("/usr/bin/timeout 20 /usr/sbin/tunadm list profiles").out;
+    return host.shell("VRX_LOCK_DIR=/run/tunadm timeout 20 tunadm list profiles 2>/dev/null");
   });
   while (host.read("/proc/locks").find("->") == std::string::npos &&
          listed.wait_for(std::chrono::milliseconds(1)) != std::future_status::ready) {
