@@ -34,16 +34,6 @@ std::string helpedWith(const std::string& words) {
   return page[0].empty() ? page[2].substr(0, page[2].find(" - ")) : page[0];
 }
 
-TEST(Catalogue, CommandsOfTheGeneralHelp) {
-  std::string names;
-  for (const std::string& line : helpPage(split("help")))
-    if (line.starts_with("    '") && !line.starts_with("    'help"))
-      names += line.substr(4, line.find('\'', 5) - 3) + " ";
-  EXPECT_EQ(names,
-            "'profile activate' 'profile create' 'profile delete' 'profile rename' "
-            "'service start' 'service stop' 'list profiles' ");
-}
-
 TEST(Catalogue, WaysToNameACommandAndItsHelp) {
   for (const std::string name :
        {"profile create", "profile activate", "profile delete", "profile details", "profile modify",
@@ -84,25 +74,14 @@ TEST(CatalogueParams, Helmsman) {
              });
 }
 
-TEST(Help, Pages) {
-  std::string page;
-  for (const std::string& line : helpPage(split("help service restart"))) page += line + "\n";
-  EXPECT_EQ(page,
-            "\nNAME\nservice restart - Stops the vrx-hipd background process if it is running, and "
-            "then starts it up again.\n\nUSAGE\nservice restart [sys=<sys-impl>] [full]\n\n"
-            "PARAMETERS\nsys                 sys impl name\nfull                single word\n");
+TEST(Help, PrintsTheReferenceAndItsTrailer) {
   testing::internal::CaptureStdout();
   printReference();
   const std::string printed = testing::internal::GetCapturedStdout();
-  for (const char* part :
-       {"  profile create <new profile name> [allow_rename=<boolean>] helmsman=<addr:port> "
-        "[network=<interface | auto>] [invitation=<invitation>] "
-        "[log_level=<info | warn | error | debug | trace>] [sys=<sys-impl>] [activate]\n"
-        "         details=<profile-details> profile_name=<string>\n\n"
-        "  profile delete <profile name>\n         <no additional result data>\n\n",
-        " [max_lines=<integer>] ", "\n         running=<bool> helmsman=<bool> tunnel=<bool>\n",
-        "\n  deviceID: <string, the device ID for a managed profile\n"})
-    EXPECT_NE(printed.find(part), std::string::npos) << part;
+  EXPECT_TRUE(printed.starts_with("this is the help full reference page\n  profile details <"));
+  for (const char* line : {"\n\nCommands also return standard fields for result status:\n",
+                           "\n  deviceID: <string, the device ID for a managed profile\n"})
+    EXPECT_NE(printed.find(line), printed.npos) << line;
 }
 
 }  // namespace
