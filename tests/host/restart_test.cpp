@@ -142,10 +142,24 @@ TEST(Restart, SignalsAtEachCallOfActivate) { signalsAtEachCall(kCommands[0]); }
 TEST(Restart, SignalsAtEachCallOfCreate) { signalsAtEachCall(kCommands[1]); }
 TEST(Restart, SignalsAtEachCallOfModify) { signalsAtEachCall(kCommands[2]); }
 
+const std::string kScriptStart = "start\nprofile_name: x\nend\n";
+const std::string kScriptCalls = "stop\nend\n" + kScriptStart;
+
+// A process that kept its own copy of the command's end of their channel would not see it close.
+TEST(Restart, OnKernelsWithoutCloseRange) {
+  skipUnlessTracing();
+  RestartHost host;
+  host.scripts("kill -s KILL $PPID; sleep 0.1", "");
+  const rlimit few = {256, 256};  // each is closed by a call of its own then
+  EXPECT_EQ(setrlimit(RLIMIT_NOFILE, &few), 0);
+  const std::string refused = "-f -e trace=close_range -e inject=close_range:error=ENOSYS";
+  EXPECT_EQ(runToTheEnd(traced(refused, "profile activate two sys=initd")).signal, SIGKILL);
+  EXPECT_EQ(host.calls(), kScriptCalls);
+  EXPECT_NE(host.read("/run/trace").find("(INJECTED)"), std::string::npos);
+}
+
 TEST(Restart, SignalsFromTheScripts) {
-  const std::string start = "start\nprofile_name: x\nend\n";
-  const std::string all = "stop\nend\n" + start;
-  const std::string unfinished = "stop\n" + start;
+  const std::string unfinished = "stop\n" + kScriptStart;
   const char kill_keeper[] =
       "for child in $(cat /proc/$PPID/task/$PPID/children); do\n"
       "  [ $child = $$ ] || kill -s KILL $child\ndone";
@@ -160,13 +174,13 @@ TEST(Restart, SignalsFromTheScripts) {
       {"kill -s INT 0", "", SIGINT, 0, unfinished},
       {"kill -s TERM 0", "", SIGTERM, 0, unfinished},
       {"kill -s KILL 0", "", SIGKILL, 0, unfinished},
-      {"kill -s TSTP 0", "", 0, 1, all},
-      {"", "kill -s INT -- -$PPID", SIGINT, 0, all},
-      {"", "kill -s TSTP -- -$PPID", 0, 1, all},
-      {"kill -s KILL $PPID; sleep 0.1", "", SIGKILL, 0, all},
-      {"", "kill -s KILL $PPID", SIGKILL, 0, all},
-      {kill_keeper, "", 0, 0, all},
-      {"until grep -q start /tmp/calls; do sleep 0.1; done &", "", 0, 0, all},
+      {"kill -s TSTP 0", "", 0, 1, kScriptCalls},
+      {"", "kill -s INT -- -$PPID", SIGINT, 0, kScriptCalls},
+      {"", "kill -s TSTP -- -$PPID", 0, 1, kScriptCalls},
+      {"kill -s KILL $PPID; sleep 0.1", "", SIGKILL, 0, kScriptCalls},
+      {"", "kill -s KILL $PPID", SIGKILL, 0, kScriptCalls},
+      {kill_keeper, "", 0, 0, kScriptCalls},
+      {"until grep -q start /tmp/calls; do sleep 0.1; done &", "", 0, 0, kScriptCalls},
       // A listing takes the lock when it has a name to repair.
       {"", "mkdir /opt/vrx/profiles/new; timeout 5 tunadm list profiles | grep new:", 0, 0,
        "stop\nend\nstart\nnew: profile\nprofile_name: x\nend\n"},
