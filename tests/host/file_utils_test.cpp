@@ -102,6 +102,15 @@ TEST(FileUtils, Copy) {
     EXPECT_EQ(status.details() + " " + status.context(), details + " copyFile");
   }
   EXPECT_EQ(host.read("to").size(), 70000U);
+  // A source that shrinks while it is copied.
+  host.file("to", "");
+  ASSERT_EQ(truncate("from", 256 << 20), 0);
+  const std::jthread cutter([](const std::stop_token& copied) {
+    struct stat found {};
+    while (found.st_size == 0 && !copied.stop_requested()) EXPECT_EQ(stat("to", &found), 0);
+    EXPECT_EQ(truncate("from", 1), 0);
+  });
+  EXPECT_EQ(copyFile("from", "to").code(), kReadFailed);
 }
 
 TEST(FileUtils, Move) {
