@@ -59,6 +59,26 @@ TEST(NetworkInterfaces, Candidates) {
   EXPECT_EQ(taken("eth0", AF_INET, "10.20.254.169", IFF_UP), !kLowByteFirst);
 }
 
+std::vector<std::string> candidatesOfThisHost() {
+  std::vector<std::string> names;
+  ifaddrs* table = nullptr;
+  EXPECT_EQ(getifaddrs(&table), 0);
+  for (const ifaddrs* entry = table; entry != nullptr; entry = entry->ifa_next)
+    if (isUnderlayCandidate(*entry)) names.emplace_back(entry->ifa_name);
+  freeifaddrs(table);
+  return names;
+}
+
+TEST(NetworkInterfaces, AllCandidatesAreFound) {
+  std::vector<std::string> names, before;
+  do {  // until none came or went meanwhile
+    before = candidatesOfThisHost();
+    names.assign(1, "left over");
+    EXPECT_TRUE(read_networks(&names));
+  } while (before != candidatesOfThisHost());
+  EXPECT_EQ(names, before);
+}
+
 TEST(InitSystems, AreSelectedByName) {
   std::string names;
   std::vector<std::string_view> selected = systemNames();
