@@ -24,22 +24,18 @@ std::size_t JsonMembers::find(std::string_view name) const {
   return kNone;
 }
 
-void JsonMembers::addToIndex(std::size_t position) {
-  index_->insert(NameIndex::hashOf(list_[position].name.view()), position);
-}
-
-void JsonMembers::removeFromIndex(std::size_t position) {
-  index_->erase(NameIndex::hashOf(list_[position].name.view()), position);
+void JsonMembers::addToIndex(const JsonMember& member) {
+  index_->append(NameIndex::hashOf(member.name.view()));
 }
 
 void JsonMembers::append(JsonText&& name, jsObject* value) {
   if (list_.empty()) list_.reserve(kFirstCapacity);
   list_.emplace_back(std::move(name), value);
   if (index_) {
-    addToIndex(list_.size() - 1);
+    addToIndex(list_.back());
   } else if (list_.size() > kMostUnindexed) {
     index_ = std::make_unique<NameIndex>();
-    for (std::size_t position = 0; position < list_.size(); ++position) addToIndex(position);
+    for (const JsonMember& member : list_) addToIndex(member);
   }
 }
 
@@ -51,16 +47,10 @@ jsObject* JsonMembers::put(JsonText name, jsObject* value) {
 }
 
 jsObject* JsonMembers::remove(std::size_t position) {
-  const std::size_t last = list_.size() - 1;
-  if (index_) {
-    // Both must leave while their names are in place; the moved one is inserted again below.
-    removeFromIndex(position);
-    if (position != last) removeFromIndex(last);
-  }
   jsObject* const removed = list_[position].value;
-  if (position != last) list_[position] = std::move(list_[last]);
+  if (position + 1 < list_.size()) list_[position] = std::move(list_.back());
   list_.pop_back();
-  if (index_ && position != last) addToIndex(position);
+  if (index_) index_->remove(position);
   return removed;
 }
 

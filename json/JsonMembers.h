@@ -50,8 +50,7 @@ class JsonMembers {
 
  private:
   void append(JsonText&& name, jsObject* value);
-  void addToIndex(std::size_t position);
-  void removeFromIndex(std::size_t position);
+  void addToIndex(const JsonMember& member);
 
   MemberList list_;
   std::unique_ptr<NameIndex> index_;  // empty while the object is small

@@ -11,9 +11,10 @@
 namespace tunadm {
 
 // A hash table from names to the positions of their members. It holds no names: the caller compares
-// those of the positions that it proposes. A slot has only 8 bytes, so that much of the table of
-// a large object stays in the processor's caches. A position takes 32 bits: so many members would
-// need 100 GB.
+// those of the positions that it proposes. A search of a large object misses the processor's cache
+// about once, so a slot has only 4 bytes: the low bits are a position plus one, and those above
+// them are bits of the hash. The full hashes are kept in a separate list, read only when the index
+// grows or a member is removed. A position takes 32 bits: so many members would need 100 GB.
 class NameIndex {
  public:
   using Hash = std::uint32_t;
@@ -22,42 +23,43 @@ class NameIndex {
 
   static Hash hashOf(std::string_view name);
 
-  // Returns the first position of that hash for which `matches` is true, or kNone.
+  // Returns the first position that agrees with `hash` in the bits kept and for which `matches` is
+  // true, or kNone.
   template <typename Matches>
   std::size_t find(Hash hash, const Matches& matches) const {
-    for (std::size_t slot = home(hash); slots_[slot].used(); slot = after(slot)) {
-      if (slots_[slot].hash == hash && matches(slots_[slot].position())) {
-        return slots_[slot].position();
-      }
+    for (std::size_t slot = home(hash); used(slot); slot = after(slot)) {
+      const std::size_t position = positionIn(slot);
+      if (((slots_[slot] ^ hash) & ~mask()) == 0 && matches(position)) return position;
     }
     return kNone;
   }
 
-  // The position must not be in the index yet.
-  void insert(Hash hash, std::size_t position);
+  // Adds the position after the last one.
+  void append(Hash hash);
 
-  // The position must be in the index, under that hash.
-  void erase(Hash hash, std::size_t position);
+  // Removes a position. The last position takes its number.
+  void remove(std::size_t position);
 
  private:
-  struct Slot {
-    Hash hash = 0;
-    std::uint32_t position_plus_one = 0;  // 0 in an unused slot
+  // 0 in the bits of the position if it is unused, else the position plus one.
+  using Slot = std::uint32_t;
 
-    bool used() const { return position_plus_one != 0; }
-    std::size_t position() const { return position_plus_one - 1; }
-  };
-
-  std::size_t home(Hash hash) const { return hash & (slots_.size() - 1); }
-  std::size_t after(std::size_t slot) const { return (slot + 1) & (slots_.size() - 1); }
-  void place(Slot slot);
+  Slot mask() const { return static_cast<Slot>(slots_.size() - 1); }
+  std::size_t home(Hash hash) const { return hash & mask(); }
+  std::size_t after(std::size_t slot) const { return (slot + 1) & mask(); }
+  bool used(std::size_t slot) const { return (slots_[slot] & mask()) != 0; }
+  std::size_t positionIn(std::size_t slot) const { return (slots_[slot] & mask()) - 1; }
+  Slot content(Hash hash, std::size_t position) const {
+    return (hash & ~mask()) | static_cast<Slot>(position + 1);
+  }
+  std::size_t slotOf(std::size_t position) const;
+  void place(std::size_t position);
+  void vacate(std::size_t gap);
   void grow();
 
-  using Slots = std::vector<Slot, JsonAllocator<Slot>>;
-
   // A power of two, at most four fifths of them used, so that a search soon meets an unused one.
-  Slots slots_ = Slots(64);
-  std::size_t used_ = 0;
+  std::vector<Slot, JsonAllocator<Slot>> slots_ = std::vector<Slot, JsonAllocator<Slot>>(64);
+  std::vector<Hash, JsonAllocator<Hash>> hashes_;  // by position
 };
 
 }  // namespace tunadm
