@@ -13,10 +13,15 @@ constexpr std::size_t kFirstCapacity = 4;
 
 }  // namespace
 
-std::size_t JsonMembers::find(std::string_view name) const {
+NameIndex::Hash JsonMembers::hashOf(std::string_view name) const {
+  return index_ ? NameIndex::hashOf(name) : 0;
+}
+
+std::size_t JsonMembers::find(std::string_view name) const { return find(name, hashOf(name)); }
+
+std::size_t JsonMembers::find(std::string_view name, NameIndex::Hash hash) const {
   if (index_) {
-    return index_->find(NameIndex::hashOf(name),
-                        [&](std::size_t position) { return list_[position].name == name; });
+    return index_->find(hash, [&](std::size_t position) { return list_[position].name == name; });
   }
   for (std::size_t position = 0; position < list_.size(); ++position) {
     if (list_[position].name == name) return position;
@@ -24,25 +29,22 @@ std::size_t JsonMembers::find(std::string_view name) const {
   return kNone;
 }
 
-void JsonMembers::addToIndex(const JsonMember& member) {
-  index_->append(NameIndex::hashOf(member.name.view()));
+void JsonMembers::makeIndex() {
+  index_ = std::make_unique<NameIndex>();
+  for (const JsonMember& member : list_) index_->append(NameIndex::hashOf(member.name.view()));
 }
 
-void JsonMembers::append(JsonText&& name, jsObject* value) {
-  if (list_.empty()) list_.reserve(kFirstCapacity);
-  list_.emplace_back(std::move(name), value);
-  if (index_) {
-    addToIndex(list_.back());
-  } else if (list_.size() > kMostUnindexed) {
-    index_ = std::make_unique<NameIndex>();
-    for (const JsonMember& member : list_) addToIndex(member);
-  }
-}
-
-jsObject* JsonMembers::put(JsonText name, jsObject* value) {
-  const std::size_t position = find(name.view());
+jsObject* JsonMembers::put(std::string_view name, jsObject* value) {
+  const NameIndex::Hash hash = hashOf(name);
+  const std::size_t position = find(name, hash);
   if (position != kNone) return std::exchange(list_[position].value, value);
-  append(std::move(name), value);
+  if (list_.empty()) list_.reserve(kFirstCapacity);
+  list_.emplace_back(name, value);
+  if (index_) {
+    index_->append(hash);
+  } else if (list_.size() > kMostUnindexed) {
+    makeIndex();
+  }
   return nullptr;
 }
 

@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <memory>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "json/JsonPool.h"
@@ -16,8 +15,7 @@ namespace tunadm {
 class jsObject;
 
 struct JsonMember {
-  JsonMember(JsonText&& its_name, jsObject* its_value)
-      : name(std::move(its_name)), value(its_value) {}
+  JsonMember(std::string_view its_name, jsObject* its_value) : name(its_name), value(its_value) {}
 
   JsonText name;
   jsObject* value;
@@ -43,14 +41,16 @@ class JsonMembers {
 
   // Adds a member at the end, or replaces the value of the member of that name. Returns the old
   // value, or null.
-  jsObject* put(JsonText name, jsObject* value);
+  jsObject* put(std::string_view name, jsObject* value);
 
   // Removes a member and returns its value. The last member takes its place.
   jsObject* remove(std::size_t position);
 
  private:
-  void append(JsonText&& name, jsObject* value);
-  void addToIndex(const JsonMember& member);
+  // Returns 0 while there is no index: nothing else needs the hash.
+  NameIndex::Hash hashOf(std::string_view name) const;
+  std::size_t find(std::string_view name, NameIndex::Hash hash) const;
+  void makeIndex();
 
   MemberList list_;
   std::unique_ptr<NameIndex> index_;  // empty while the object is small

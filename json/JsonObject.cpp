@@ -49,7 +49,7 @@ std::ptrdiff_t findMemberIgnoringCase(const jsObject* object, std::string_view n
 void setMember(jsObject* object, std::string_view name, jsObject* value) {
   if (!isObject(object) || name.empty()) return releaseJson(value);
   if (value == nullptr) return releaseJson(detachMember(object, name));
-  jsObject* const old = object->members().put(JsonText(name), value);
+  jsObject* const old = object->members().put(name, value);
   if (old != value) releaseJson(old);
 }
 

@@ -70,7 +70,7 @@ void parserinfo::onName(std::string_view word) {
 }
 
 void parserinfo::setName(std::string_view name) {
-  name_ = JsonText(name);
+  name_ = name;
   state_ = kParserWantsColon;
 }
 
@@ -94,7 +94,8 @@ void parserinfo::addValue(jsObject* value) {
 // Takes ownership of `value`.
 void parserinfo::addMember(jsObject* object, jsObject* value) {
   if (!name_.empty()) {
-    releaseJson(object->members().put(std::move(name_), value));
+    releaseJson(object->members().put(name_, value));
+    name_.clear();
   } else {
     // Deliberate: a container under an empty name is dropped, but is not an error.
     const bool dropped = value->isContainer();
@@ -107,7 +108,8 @@ void parserinfo::addMember(jsObject* object, jsObject* value) {
 void parserinfo::open(jsObject* container, ParserState next) {
   ScopedJson owned(container);
   if (!name_.empty()) {
-    releaseJson(open_.back().container->members().put(std::move(name_), owned.take()));
+    releaseJson(open_.back().container->members().put(name_, owned.take()));
+    name_.clear();
   }
   open_.push_back({container, std::move(owned)});
   state_ = next;
@@ -117,7 +119,7 @@ void parserinfo::close() {
   OpenContainer closed = std::move(open_.back());
   open_.pop_back();
   // A name left over by an error must not reach another container's member.
-  name_ = JsonText();
+  name_.clear();
   state_ = kParserWantsValue;
   if (closed.owned) return addValue(closed.owned.take());
   state_ = kParserHasMember;

@@ -3,11 +3,11 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 #include <vector>
 
 #include "json/JsonScanner.h"
-#include "json/JsonText.h"
 #include "json/ScopedJson.h"
 
 namespace tunadm {
@@ -67,7 +67,7 @@ class parserinfo final : public TokenReceiver {
   ParserState state_ = kParserWantsValue;
   ScopedJson result_;
   std::vector<OpenContainer> open_;
-  JsonText name_;  // of the innermost container's next member
+  std::string name_;  // of the innermost container's next member
 };
 
 // Returns the value that the whole of `text` makes, owned by the caller. Null for a null or empty
