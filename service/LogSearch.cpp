@@ -36,7 +36,9 @@ LogSearch::LogSearch(const LogFile& log, std::size_t max_lines, LogLevel thresho
       end_(log.size()),
       next_size_(kFirstWindow) {
   for (std::size_t byte = 0; byte < may_begin_.size(); ++byte) {
-    may_begin_[byte] = mayBeginLevel(static_cast<char>(byte), threshold);
+    const char begin[] = {static_cast<char>(byte), '~'};
+    may_begin_[byte] = mayBeginLevel(begin[0], threshold);
+    wanted_before_tilde_[byte] = parseLevel(std::string_view(begin, 2)) >= threshold;
   }
 }
 

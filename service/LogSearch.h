@@ -27,9 +27,10 @@ class LogSearch {
  private:
   bool full() const { return found_.count() >= max_lines_; }
 
-  // False only for a line whose first byte shows that its level is below the threshold.
+  // False only for a line whose first two bytes show that its level is below the threshold.
   bool mayBeWanted(std::string_view line) const {
-    return may_begin_[static_cast<unsigned char>(line.front())];
+    const auto first = static_cast<unsigned char>(line.front());
+    return line.size() > 1 && line[1] == '~' ? wanted_before_tilde_[first] : may_begin_[first];
   }
 
   [[nodiscard]] bool load(off_t start, off_t end);
@@ -44,7 +45,10 @@ class LogSearch {
   const std::size_t max_lines_;
   const LogLevel threshold_;
   LogLines& found_;
-  std::array<bool, 256> may_begin_;  // by first byte: mayBeginLevel for the threshold
+  // By first byte: mayBeginLevel. With a tilde next, only a short name is possible, so parseLevel
+  // can decide.
+  std::array<bool, 256> may_begin_;
+  std::array<bool, 256> wanted_before_tilde_;
 
   off_t end_;                           // what follows in the log has been looked at
   off_t window_start_ = 0;              // the place of the window in the log
