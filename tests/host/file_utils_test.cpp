@@ -191,11 +191,13 @@ TEST(DirectoryListing, KindsOfEntries) {
   FileHost host;
   host.file("d/dir/x", "").file("d/file", "").link("/tmp", "d/to-dir");
   host.link("d/file", "d/from-here").link("file", "d/from-there").link("/dev/null", "d/to-device");
+  ASSERT_EQ(mkfifo("d/dir/fifo", 0600), 0);
   const auto& [status, directories, files, file_links, directory_links, others] =
       listDirectory("d");
   EXPECT_TRUE(status.ok());
   EXPECT_EQ((std::vector{directories, files, file_links, directory_links, others}),
             (std::vector<Lines>{{"dir"}, {"file"}, {"from-here"}, {"to-dir"}, {"to-device"}}));
+  EXPECT_EQ(listDirectory("d/dir").others, Lines{"fifo"});
   EXPECT_EQ(listDirectory("d/file").status.code(), kOpendirFailed);
 }
 

@@ -4,6 +4,7 @@
 
 #include "profiles/CurrentProfile.h"
 #include "profiles/FlatForms.h"
+#include "profiles/ProfileControl.h"
 #include "profiles/ProfileList.h"
 #include "tests/support/TestHost.h"
 
@@ -81,6 +82,9 @@ TEST(ProfileList, WhatCannotBeReadIsNotReplaced) {
   host.profile("a", "office").file("b/profile_name", unreadable).profile("c");
   ProfileList list;
   EXPECT_EQ(listStore(&list).code(), kApplicationError);
+  ProfileListing listing = {.profiles = {}, .current_dir = "old", .current_name = "old"};
+  EXPECT_EQ(listProfiles(&listing).code(), kApplicationError);
+  EXPECT_EQ(listing.current_dir + listing.current_name, "");
   EXPECT_EQ(host.read("b/profile_name"), unreadable);
   EXPECT_FALSE(host.exists("c/profile_name"));
   host.remove("b").file(".current", unreadable);
