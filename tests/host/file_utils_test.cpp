@@ -187,6 +187,21 @@ TEST(FileUtils, WhatIsRead) {
   EXPECT_EQ(writeLines("fifo", {"x"}).code(), kOpenFailed);
 }
 
+int leased;
+
+// The holder of a lease, such as a file server, lets go of the file when a signal tells it that
+// another wants it; see fcntl(2).
+TEST(FileUtils, AFileUnderALeaseIsWaitedFor) {
+  FileHost host;
+  host.file("file", "text\n");
+  const ScopedFd holder(leased = open("file", O_RDWR | O_CLOEXEC));
+  EXPECT_NE(std::signal(SIGIO, [](int) { (void)fcntl(leased, F_SETLEASE, F_UNLCK); }), SIG_ERR);
+  ASSERT_EQ(fcntl(leased, F_SETLEASE, F_WRLCK), 0);
+  std::string text;
+  EXPECT_EQ(readFirstLine("file", &text), LineRead::kRead);
+  EXPECT_EQ(text, "text");
+}
+
 TEST(DirectoryListing, KindsOfEntries) {
   FileHost host;
   host.file("d/dir/x", "").file("d/file", "").link("/tmp", "d/to-dir");
