@@ -2,6 +2,7 @@
 #include <ifaddrs.h>
 #include <net/if.h>
 #include <netinet/in.h>
+#include <unistd.h>
 
 #include <bit>
 
@@ -77,6 +78,14 @@ TEST(NetworkInterfaces, AllCandidatesAreFound) {
     EXPECT_TRUE(read_networks(&names));
   } while (before != candidatesOfThisHost());
   EXPECT_EQ(names, before);
+}
+
+TEST(ChildProcess, OutcomesAsNumbers) {
+  const pid_t child = forkChild([] { _exit(7); });
+  EXPECT_EQ(waitForChild(child), 1007);
+  EXPECT_EQ(waitForChild(child), 3001);
+  EXPECT_EQ(waitForChild(0), 3002);
+  EXPECT_EQ(outcomeOf(9), 2009);
 }
 
 TEST(InitSystems, AreSelectedByName) {
