@@ -36,6 +36,7 @@ TEST(CurrentProfile, WhatTheMarkerMayName) {
   host.factory().profile("one", "first").profile("nameless").file("plain", "x");
   host.link("one", "link").link("nowhere", "dead");
   EXPECT_FALSE(lookUpCurrentProfile().valid) << "no marker";
+  EXPECT_EQ(isCurrentProfile({"one", "first"}, lookUpCurrentProfile()), TriState::kUnknown);
   for (const auto& [marker, expected] : {std::pair{"one\nignored\n"s, "one: first"},
                                          {"one\0x\n"s, "one: first"},
                                          {"nameless\n"s, "nameless: nameless"},

@@ -8,6 +8,7 @@
 
 #include "profiles/ConfigControl.h"
 #include "profiles/ConfigText.h"
+#include "profiles/TakenNames.h"
 #include "service/InitSystems.h"
 #include "tests/support/Rows.h"
 
@@ -37,6 +38,15 @@ TEST(ConfigText, RewritingKeepsWhatItDoesNotOwn) {
              [](const std::string& text) {
                return withSettings(text, std::vector<Setting>{{"k=", "v"}, {"long.k=", "v"}});
              });
+}
+
+TEST(TakenNames, NumbersEndAtSixDigits) {
+  TakenNames taken;
+  taken.add("a");
+  for (int number = 2; number < 999999; ++number) taken.add("a#" + std::to_string(number));
+  EXPECT_EQ(taken.uniqueName("a"), "a#999999");
+  taken.add("a#999999");
+  EXPECT_EQ(taken.uniqueName("a"), "a");
 }
 
 TEST(NetworkInterfaces, Candidates) {

@@ -37,6 +37,11 @@ TEST(LogLevel, NamesAndPriorities) {
   }
   EXPECT_EQ(names, "T~TRACE7 D~DEBUG7 I~INFO6 N~NOTICE5 W~WARNING4 E~ERROR3 F~FATAL2 ");
   EXPECT_EQ(parseLevel(static_cast<const char*>(nullptr)), kLogInfo);
+  const LogLevelDescriptor damaged{};
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(std::string(loglevel_fullname(&damaged)), "<log level>");
+  EXPECT_EQ(loglevel_to_syslog(&damaged), 6);
+  EXPECT_NE(testing::internal::GetCapturedStderr(), "");
   for (const char* text : {"err\ttext", "[F~]"}) EXPECT_EQ(parseLevel(text), kLogInfo) << text;
 }
 

@@ -189,6 +189,9 @@ TEST(JsonValue, EachKindIsOnlyItself) {
                        isString(value), isArray(value),   isObject(value)};
     const jsObject* const as[] = {asNull(value),   asBoolean(value), asNumber(value),
                                   asString(value), asArray(value),   asObject(value)};
+    jsObject* const own = arrayAt(values.get(), kind);
+    const jsObject* const as_own[] = {asNull(own),   asBoolean(own), asNumber(own),
+                                      asString(own), asArray(own),   asObject(own)};
     const bool has[] = {kind == 0,
                         booleanValue(value),
                         numberValue(value) == 3,
@@ -198,6 +201,7 @@ TEST(JsonValue, EachKindIsOnlyItself) {
     for (std::size_t other = 0; other < 6; ++other) {
       EXPECT_EQ(is[other], other == kind) << kind << other;
       EXPECT_EQ(as[other], other == kind ? value : nullptr) << kind << other;
+      EXPECT_EQ(as_own[other], as[other]) << kind << other;
       EXPECT_EQ(has[other], other == kind) << kind << other;
     }
     EXPECT_EQ(findMember(value, "a") + findMemberIgnoringCase(value, "A"), kind == 5 ? 0 : -2);
