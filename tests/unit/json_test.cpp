@@ -1,3 +1,5 @@
+#include <sys/resource.h>
+
 #include <cmath>
 #include <cstdlib>
 #include <sstream>
@@ -180,6 +182,25 @@ TEST(JsonValue, SharedInstancesAndCopies) {
   EXPECT_FALSE(booleanValue(makeBoolean(false)));
   EXPECT_EQ(makeString(static_cast<const char*>(nullptr)), makeString(""));
 }
+
+#ifndef TUNADM_SANITIZED  // the sanitizers keep released memory
+TEST(JsonValue, ReleasedMemoryIsUsedAgain) {
+  const auto peak = [] {
+    rusage used{};
+    EXPECT_EQ(getrusage(RUSAGE_SELF, &used), 0);
+    return used.ru_maxrss;
+  };
+  std::string text = "[";
+  for (int i = 0; i < 100000; ++i) text += "[3.5],";
+  const auto parseAndRelease = [&text] {
+    EXPECT_NE(taken(parseJson((text + "]").c_str(), -1)), "");
+  };
+  parseAndRelease();
+  const auto before = peak();
+  for (int round = 0; round < 30; ++round) parseAndRelease();
+  EXPECT_LT(peak(), before + 50'000);  // KiB; each tree has 7 MB
+}
+#endif
 
 TEST(JsonValue, EachKindIsOnlyItself) {
   const ScopedJson values(parseJson("[null,true,3,\"t\",[4],{a:5}]", -1));
