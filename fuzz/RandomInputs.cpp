@@ -1,10 +1,6 @@
 // PROGRAM CORPUS DICTIONARY [SEED]: gives a fuzz target the files of its corpus, then random inputs
 // made of their lines and of the words of its dictionary: a short test of its properties where
 // there is no fuzzer. The same seed makes the same inputs; without one it is always the same.
-#include <fcntl.h>
-#include <unistd.h>
-
-#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -14,44 +10,28 @@
 
 namespace {
 
+namespace fs = std::filesystem;
+
 constexpr int kRounds = 10000;
 constexpr const char* kUsualSeed = "1";
 constexpr std::size_t kLineBuffers[] = {1024, 4096, 8000};
 
-// What is being checked, and the file for it if it ends the program; read by the signal handler.
-std::string current_input, current_name, found_path;
-
-// Keeps the input that ends the program as a file for the corpus; calls only what a signal handler
-// may. What cannot be written is lost.
-extern "C" void keepInput(int) {
-  const int file = open(found_path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
-  (void)!write(file, current_input.data(), current_input.size());
-  for (const std::string* text : {&current_name, &found_path})
-    (void)!write(STDERR_FILENO, text->data(), text->size());
-}
-
-// Any end by a signal keeps the input first; then the signal does what it does by default.
-void watchForEnds() {
-  struct sigaction action = {};
-  action.sa_handler = &keepInput;
-  action.sa_flags = static_cast<int>(SA_RESETHAND);
-  for (const int number : {SIGABRT, SIGSEGV, SIGBUS, SIGFPE, SIGILL})
-    (void)sigaction(number, &action, nullptr);  // without it, an end shows less
-}
-
-void check(const std::string& name, const std::string& input) {
-  current_name = name + ": the input is in ";
-  current_input = input;
+// Each input is in the file while it is checked, so one that ends the program is still there
+// afterwards. It is a new file each time: some file systems flush one that is cut and rewritten.
+void check(const fs::path& found, const std::string& input) {
+  fs::remove(found);
+  std::ofstream(found, std::ios::binary) << input;
   tunadm::checkInput(input);
 }
 
-std::string contentOf(const std::filesystem::path& path) {
+std::string contentOf(const fs::path& path) {
   std::ifstream file(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
 // Checks the files of the corpus, and returns what random inputs are made of.
-std::vector<std::string> checkCorpus(const char* corpus, const char* dictionary) {
+std::vector<std::string> checkCorpus(const char* corpus, const char* dictionary,
+                                     const fs::path& found) {
   std::vector<std::string> pieces = {"\n", "\r\n", " ", "#", "\\", "\"", "\xff", std::string(1, 0)};
   for (std::string word : tunadm::fgetsLines(contentOf(dictionary), 1000)) {
     word = word.substr(1, word.size() - 3);  // without its quotes
@@ -59,9 +39,9 @@ std::vector<std::string> checkCorpus(const char* corpus, const char* dictionary)
       word.replace(at, 4, 1, static_cast<char>(std::stoi(word.substr(at + 2, 2), nullptr, 16)));
     pieces.push_back(word);
   }
-  for (const auto& file : std::filesystem::directory_iterator(corpus)) {
+  for (const auto& file : fs::directory_iterator(corpus)) {
     const std::string content = contentOf(file);
-    check(file.path(), content);
+    check(found, content);
     for (const std::string& line : tunadm::fgetsLines(content, 1000)) pieces.push_back(line);
   }
   return pieces;
@@ -70,11 +50,11 @@ std::vector<std::string> checkCorpus(const char* corpus, const char* dictionary)
 }  // namespace
 
 int main(int count, char** arguments) {
-  found_path = "found-" + std::filesystem::path(arguments[1]).filename().string();
-  watchForEnds();
-  const std::vector<std::string> pieces = checkCorpus(arguments[1], arguments[2]);
+  const fs::path found = "found-" + fs::path(arguments[1]).filename().string();
   const std::string seed = count > 3 ? arguments[3] : kUsualSeed;
-  std::printf("seed: %s\n", seed.c_str());
+  (void)std::fprintf(stderr, "seed %s; an input that ends this program is kept in %s\n",
+                     seed.c_str(), found.c_str());
+  const std::vector<std::string> pieces = checkCorpus(arguments[1], arguments[2], found);
   std::mt19937 random(static_cast<unsigned>(std::stoul(seed)));
   for (int round = 0; round < kRounds; ++round) {
     std::string text;
@@ -83,6 +63,7 @@ int main(int count, char** arguments) {
       // Now and then about as much as one of the readers' buffers takes.
       if (random() % 50 == 0) text.append(kLineBuffers[random() % 3] - random() % 3, 'x');
     }
-    check("seed " + seed + ", round " + std::to_string(round), text);
+    check(found, text);
   }
+  fs::remove(found);
 }
