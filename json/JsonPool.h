@@ -33,6 +33,7 @@ class JsonPool {
     if (size > kLargestBlock) return giveLarge(memory, size);
     Block*& first = free_[place(size)];
     first = new (memory) Block{first};
+    prefetchAfter(memory);
     if (--taken_ == 0) startOver();
   }
 
@@ -57,10 +58,20 @@ class JsonPool {
 
   static constexpr std::size_t place(std::size_t size) { return (size + kGrain - 1) / kGrain; }
 
+  // Starts to load memory that will probably be used soon: a large tree is made, and mostly
+  // released, in the order of its addresses. By itself the processor stops at the end of each page
+  // of 4 KiB. An address without memory is ignored.
+  static void prefetchAfter(const void* block) {
+    constexpr std::size_t kAhead = 1536;
+    constexpr int kForWriting = 1;
+    __builtin_prefetch(static_cast<const char*>(block) + kAhead, kForWriting);
+  }
+
   void* cut(std::size_t block_size) {
     // The remainder of the old chunk is smaller than one block, and is given up.
     if (remainder_size_ < block_size) addChunk();
     remainder_size_ -= block_size;
+    prefetchAfter(remainder_);
     return std::exchange(remainder_, remainder_ + block_size);
   }
 
