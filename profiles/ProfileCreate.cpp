@@ -1,8 +1,9 @@
 #include "profiles/ProfileCreate.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <charconv>
 #include <string_view>
-#include <unordered_set>
 #include <vector>
 
 #include "core/Privilege.h"
@@ -25,6 +26,7 @@ namespace {
 // Deliberate: the number of the first dir name is fixed.
 constexpr int kFirstNumber = 123123;
 constexpr int kEndNumber = 999999;
+constexpr std::string_view kDirPrefix = "profile-";
 constexpr std::string_view kCertificates = "/ca-certs";
 
 Status checkValues(const CreateRequest& request) {
@@ -33,13 +35,32 @@ Status checkValues(const CreateRequest& request) {
       "profile create");
 }
 
+std::string dirName(int number) { return std::string(kDirPrefix) + std::to_string(number); }
+
+// The number of a dir name such as new profiles get; less than kFirstNumber for any other.
+int numberOf(std::string_view dir_name) {
+  int number = 0;
+  if (dir_name.starts_with(kDirPrefix)) {
+    const std::string_view digits = dir_name.substr(kDirPrefix.size());
+    (void)std::from_chars(digits.data(), digits.data() + digits.size(), number);
+  }
+  return dir_name == dirName(number) ? number : 0;
+}
+
+std::vector<int> sortedNumbers(const StoreScan& scan) {
+  std::vector<int> numbers;
+  for (const std::string_view name : scan.entryNames()) numbers.push_back(numberOf(name));
+  std::ranges::sort(numbers);
+  return numbers;
+}
+
 // Makes the directory of the first number that no entry of the store has.
 Status makeProfileDirectory(const StoreScan& scan, std::string* dir_name) {
-  const std::unordered_set<std::string_view> used = scan.entryNames();
+  const std::vector<int> used = sortedNumbers(scan);
   Status made(kApplicationError);
   for (int number = kFirstNumber; number < kEndNumber; ++number) {
-    *dir_name = "profile-" + std::to_string(number);
-    if (used.contains(*dir_name)) continue;
+    if (std::ranges::binary_search(used, number)) continue;
+    *dir_name = dirName(number);
     made = makeNewDirectory(profileDirectory(*dir_name), 0755);
     // Unless the name is taken, the store itself is at fault, and would refuse every other name
     // too.
@@ -54,8 +75,8 @@ Status chooseName(const CreateRequest& request, StoreScan* scan, std::string* na
     Status repaired = scan->repair();
     if (!repaired.ok()) return Status(kApplicationError).because(repaired.cause());
   }
-  TakenNames taken = scan->takenNames();
   *name = request.name.empty() ? std::string(kDefaultName) : request.name;
+  TakenNames taken = scan->takenNames(*name);
   if (request.allow_rename) *name = taken.uniqueName(*name);
   return Status(taken.contains(*name) ? kApplicationError : kSuccess);
 }

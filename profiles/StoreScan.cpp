@@ -90,15 +90,16 @@ Status StoreScan::repair() {
   return replaceFiles(files);
 }
 
-std::unordered_set<std::string_view> StoreScan::entryNames() const {
-  std::unordered_set<std::string_view> names(others_.begin(), others_.end());
-  for (const ProfileRef& profile : profiles_) names.insert(profile.dir_name);
+std::vector<std::string_view> StoreScan::entryNames() const {
+  std::vector<std::string_view> names(others_.begin(), others_.end());
+  for (const ProfileRef& profile : profiles_) names.push_back(profile.dir_name);
   return names;
 }
 
-TakenNames StoreScan::takenNames() const {
+TakenNames StoreScan::takenNames(std::string_view base) const {
   TakenNames taken;
-  for (const ProfileRef& profile : profiles_) taken.add(profile.profile_name);
+  for (const ProfileRef& profile : profiles_)
+    if (profile.profile_name.starts_with(base)) taken.add(profile.profile_name);
   return taken;
 }
 

@@ -3,7 +3,6 @@
 
 #include <string>
 #include <string_view>
-#include <unordered_set>
 #include <vector>
 
 #include "core/Status.h"
@@ -34,10 +33,11 @@ class StoreScan {
   Status repair();
 
   // The names of all entries of the directory, of whatever kind; good as long as the scan.
-  std::unordered_set<std::string_view> entryNames() const;
+  std::vector<std::string_view> entryNames() const;
 
-  // The friendly names of a sound store.
-  TakenNames takenNames() const;
+  // The friendly names of a sound store that begin with `base`: all that can be in the way of a
+  // name made from it.
+  TakenNames takenNames(std::string_view base) const;
 
   // Moves the profiles to the end of `list`, sorted by friendly name (bytewise).
   void takeSorted(ProfileList* list);
