@@ -7,7 +7,6 @@
 
 #include "fundkit/ScopedFd.h"
 #include "service/ServiceStatus.h"
-#include "tests/support/Rows.h"
 #include "tests/support/TestHost.h"
 
 namespace tunadm {
@@ -110,6 +109,7 @@ TEST(Service, OrdinaryUsersAreRefused) {
 
 TEST(Service, RefusalsChangeNothing) {
   ServiceHost host(Daemon::kUp);
+  host.block("two/endbox.conf");
   const std::pair<std::string, Lines> cases[] = {
       {kNotFound,
        {"profile activate three", "profile rename three new_name=x", "profile delete three",
@@ -128,7 +128,7 @@ TEST(Service, RefusalsChangeNothing) {
         "profile rename one new_name=.factory"}},
       {failure("invalid argument (profile name not provided)", "0x10000003"),
        {"profile rename one new_name="}},
-      {kApplication, {"profile modify two helmsman=:1"}},
+      {kApplication, {"profile modify two helmsman=:1", "profile modify two log_level=info"}},
       {kRefusedRunning, {"profile delete --active", "support reset one"}},
   };
   const std::string before = host.run("/bin/ls -lR --full-time /opt").out;
@@ -184,6 +184,7 @@ TEST(Service, IsStoppedAndStartedAroundAChange) {
   const std::string created = "details:\nprofile_name=new\n";
   const std::string modify_two = "profile modify two activate log_level=";
   const std::string no_factory = "status_code: 0x14000002\n";
+  const std::string no_start = "status_code: 0x16001001\n";
   const struct {
     Daemon daemon;
     std::string words, out, calls;  // of the output, what it begins with
@@ -200,9 +201,11 @@ TEST(Service, IsStoppedAndStartedAroundAChange) {
       {Daemon::kDown, create, created, kStart, "profile-123123"},
       {Daemon::kUp, create, created, kStop + kStart, "profile-123123", "exit 1\n"},
       {Daemon::kUnknown, create, created, kStop + kStart, "profile-123123", "exit 1\n"},
+      {Daemon::kDown, create, no_start, kStart, "profile-123123", "exit 1\n"},
       {Daemon::kDown, create, no_factory, ""},
       {Daemon::kUnknown, create, no_factory, kStop + kStart},
       {Daemon::kDown, "profile modify one activate", "details:", kStart},
+      {Daemon::kDown, "profile modify two activate", "details:", ""},
       {Daemon::kUp, "profile modify one activate invitation=x sys=initd",
        "details:", kInitdStop + kInitdStart},
       {Daemon::kUnknown, modify_two + "info", kNonzero, kStop + kStart, "one", "exit 1\nexit 0\n"},
@@ -242,85 +245,11 @@ TEST(Service, NoFailureLeavesItStopped) {
   EXPECT_EQ(host.calls(), kStop + kStart + kStop + kStart + kInitdStart);
 }
 
-TEST(Delete, TheLastOneIsReplaced) {
+TEST(Rename, LeavesTheFileOfANameThatIsTheSame) {
   ServiceHost host;
-  host.file("one/ca-certs/deep/x", "").file("/tmp/kept", "outside");
-  host.link("/tmp", "one/peer_certs").link("nowhere", "one/dead");
-  EXPECT_EQ(host.says("profile delete dir=one"), "");
-  EXPECT_EQ(host.read(".current"), "two\n");
-  EXPECT_EQ(host.read("/tmp/kept"), "outside");
-  EXPECT_FALSE(host.exists("one"));
-  host.profile("one").block(".current");
-  EXPECT_EQ(host.says("profile delete dir=one"), "");
-  EXPECT_FALSE(host.exists("profile-123123")) << "two is left";
-  host.remove(".current").file(".current", "two\n");
-  EXPECT_EQ(host.says("profile delete --active"), "");
-  EXPECT_EQ(host.says("list profiles"),
-            "profile-123123: profile\ncurrent_dir: two\ncurrent_name: two\n"
-            "root_dir: /opt/vrx//profiles/\n");
-  EXPECT_EQ(host.shell("cd *3; cat mapconfig.static hip.conf"),
-            "map_uri=\nmaster_interface=auto\n");
-}
-
-TEST(Modify, WritesWhatIsGiven) {
-  ServiceHost host;
-  host.file("two/endbox.conf", "# mine\nactivation_code=abc\n");
-  host.file("two/mapconfig.static", "map_uri=http://old:1/path\n", 0600);
-  EXPECT_EQ(host.says("profile modify two helmsman=:9000 log_level=WARN network=auto "
-                      "invitation=### new_name=three activate"),
-            "details:\nprofile_name=three\nhelmsman=old:9000\nprofile_dir=two\nnetwork=auto\n"
-            "deviceID=\noverlay_device_ip=\noverlay_mask=\ninvitation=\nlog_level=warning\n");
-  EXPECT_EQ(host.read("two/endbox.conf"), "# mine\nlog_level=warning\nopenhip.log_level=warning\n");
-  EXPECT_EQ(host.mode("two/mapconfig.static"), 0600u);
-  EXPECT_EQ(host.calls(), "") << "neither current nor running: nothing to restart";
-  expectRows(
-      {"helmsman=h:0 -> map_uri=https://h:8096\n", "helmsman=:65535 -> map_uri=https://h:65535\n",
-       "helmsman=:0 -> map_uri=https://h:65535\n", "helmsman=:65536 -> map_uri=https://h:65535\n",
-       "helmsman=h:65536 -> map_uri=https://h:8096\n",
-       "log_level=DEBUG -> # mine\nlog_level=DEBUG\nopenhip.log_level=DEBUG\n",
-       "log_level=wArn -> # mine\nlog_level=warning\nopenhip.log_level=warning\n",
-       "log_level=Err -> # mine\nlog_level=error\nopenhip.log_level=error\n"},
-      [&host](const std::string& given) {
-        EXPECT_TRUE(host.says("profile modify dir=two " + given).starts_with("details:\n"))
-            << given;
-        return host.read(given[0] == 'h' ? "two/mapconfig.static" : "two/endbox.conf");
-      });
-  host.profile("caf\xc3\xa9", "coffee").profile("caf", "other");
-  EXPECT_TRUE(host.says("profile modify dir=caf\xc3\xa9 log_level=debug").ends_with("=debug\n"));
-  EXPECT_FALSE(host.exists("caf/endbox.conf"));
-  EXPECT_EQ(host.says("profile rename three new_name=dir=x"), "profile_name: dir=x\n");
-  EXPECT_EQ(host.read("two/profile_name"), "dir=x\n");
   host.file("two/profile_name", "dir=x\nkept\n");
   EXPECT_EQ(host.says("profile rename dir=two new_name=dir=x"), "profile_name: dir=x\n");
-  EXPECT_EQ(host.read("two/profile_name"), "dir=x\nkept\n") << "it has that name";
-}
-
-TEST(Modify, FailuresAndTheirOrder) {
-  ServiceHost host(Daemon::kUp);
-  EXPECT_EQ(host.says("profile modify two helmsman=h log_level=verbose network=eth1"),
-            kInvalidLevel);
-  EXPECT_EQ(host.read("two/mapconfig.static"), "map_uri=https://h:8096\n");
-  EXPECT_EQ(host.read("two/hip.conf"), "");
-  // The refused reset of a running profile shows unless a network or name comes after it.
-  EXPECT_EQ(host.says("profile modify one invitation=x"), kRefusedRunning);
-  EXPECT_EQ(host.read("one/endbox.conf"), "activation_code=x\n");
-  EXPECT_EQ(host.says("profile modify one network=eth1 --quiet").rfind("details:", 0), 0u);
-  EXPECT_TRUE(host.exists("one/hipvars.txt"));
-  host.block("two/endbox.conf");
-  EXPECT_EQ(host.says("profile modify two log_level=info"), kApplication);
-}
-
-TEST(Reset, RemovesStateFilesOnly) {
-  ServiceHost host;
-  host.file("two/endbox.conf", "# mine\nactivation_code=abc\n").file("two/hip.conf", "x\n");
-  const auto before = host.files();
-  for (const char* command : {"support reset two", "profile modify two"}) {
-    for (const char* file :
-         {"m2_cache", "sadb.state", "hip.state", "peers", "map.state", "hipvars.txt"})
-      host.file(std::string("two/") + file, "");
-    EXPECT_EQ(host.says(command).find("status"), std::string::npos) << command;
-    EXPECT_EQ(host.files(), before) << command;
-  }
+  EXPECT_EQ(host.read("two/profile_name"), "dir=x\nkept\n");
 }
 
 TEST(Concurrency, ChangesWaitForTheLock) {

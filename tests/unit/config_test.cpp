@@ -1,43 +1,26 @@
 #include <arpa/inet.h>
+#include <gtest/gtest.h>
 #include <ifaddrs.h>
 #include <net/if.h>
 #include <netinet/in.h>
 #include <unistd.h>
 
 #include <bit>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "profiles/ConfigControl.h"
 #include "profiles/ConfigText.h"
 #include "profiles/TakenNames.h"
 #include "service/InitSystems.h"
-#include "tests/support/Rows.h"
 
 namespace tunadm {
 namespace {
 
-TEST(ConfigText, HelmsmanAddress) {
-  expectRows(
-      {"map_uri=https://h.example:9000\n -> h.example 9000", "map_uri=h.example -> h.example 8096",
-       "map_uri=http://h.example:9000/a/b:1\n -> h.example 9000", "map_uri=\n ->  8096",
-       "map_uri=h:1:2\n -> h 1:2", "map_uri=h:\n -> h ", "map_uri=h\xc3\xa4x:1\n -> h??x 1",
-       "# map_uri=x\n \t map_uri=https://a:1 \r\nmap_uri=b\n -> a 1",
-       "MAP_URI=h\nmap_uri =h\n -> none", " -> none"},
-      [](const std::string& text) {
-        std::string port = "old", host = port;
-        const bool found = parseHelmsmanAddress(text, &host, &port);
-        return host + (found ? " " : "none") + port;
-      });
-}
-
-TEST(ConfigText, RewritingKeepsWhatItDoesNotOwn) {
-  const std::string before(7990, 'x');
-  expectRows({"a\r\n#k=1\n k=2\nb -> a\r\n#k=1\n k=2\nb\nk=v\nlong.k=v\n",
-              "k=1\r\nm\nk=2\n -> k=v\nm\nk=v\nlong.k=v\n",
-              // A line that fills the buffer of 7,999 bytes goes on as a line of its own.
-              before + "123456789k=1\n -> " + before + "123456789k=v\nlong.k=v\n"},
-             [](const std::string& text) {
-               return withSettings(text, std::vector<Setting>{{"k=", "v"}, {"long.k=", "v"}});
-             });
+TEST(ConfigText, ALineThatFillsTheBufferGoesOnAsALineOfItsOwn) {
+  const std::string full(7999, 'x');
+  EXPECT_EQ(withSettings(full + "k=1\n", std::vector<Setting>{{"k=", "v"}}), full + "k=v\n");
 }
 
 TEST(TakenNames, NumbersEndAtSixDigits) {
