@@ -3,7 +3,6 @@
 
 #include <algorithm>
 
-#include "tests/support/Rows.h"
 #include "tests/support/TestHost.h"
 
 namespace tunadm {

@@ -89,11 +89,13 @@ TEST(Service, OrdinaryUsersAreRefused) {
   host.file("one/profile_name", "one\n", 0644);
   for (const char* line :
        {"service start", "service stop", "service restart", "profile create a\nb helmsman=h",
-        "profile delete two", "profile rename two new_name=x", "profile modify two new_name=a\nb",
-        "support reset two"})
-    EXPECT_EQ(host.says(line, RunAs::kOrdinaryUser), kRefusedUser) << line;
+        "profile delete two", "profile rename two new_name=x", "support reset two"}) {
+    const Outcome refused = host.run(std::string("/usr/sbin/tunadm ") + line, RunAs::kOrdinaryUser);
+    EXPECT_EQ(refused.err + refused.out, kRefusedUser) << line;
+  }
   EXPECT_EQ(host.says("profile modify dir=three", RunAs::kOrdinaryUser), kNotFound);
-  const Outcome unsure = host.run("/usr/sbin/tunadm profile modify two", RunAs::kOrdinaryUser);
+  const Outcome unsure =
+      host.run("/usr/sbin/tunadm profile modify two new_name=a\nb", RunAs::kOrdinaryUser);
   EXPECT_EQ(unsure.out, kRefusedUser) << "who cannot read the names cannot know";
   EXPECT_EQ(
       unsure.err,
@@ -132,8 +134,13 @@ TEST(Service, RefusalsChangeNothing) {
       {kRefusedRunning, {"profile delete --active", "support reset one"}},
   };
   const std::string before = host.run("/bin/ls -lR --full-time /opt").out;
-  for (const auto& [out, lines] : cases)
-    for (const std::string& words : lines) EXPECT_EQ(host.says(words), out) << words;
+  for (const auto& [out, lines] : cases) {
+    for (const std::string& words : lines) {
+      const Outcome refused = host.run("/usr/sbin/tunadm " + words);
+      EXPECT_EQ(refused.out, out) << words;
+      EXPECT_EQ(refused.err.empty(), out != kApplication) << words << ": " << refused.err;
+    }
+  }
   EXPECT_EQ(host.run("/bin/ls -lR --full-time /opt").out, before);
   EXPECT_EQ(host.calls(), "");
   host.file(".current", ".factory\n");
