@@ -19,7 +19,7 @@ constexpr std::size_t kFurtherBlock = std::size_t{2} * 1024 * 1024;
 std::span<char> LogLines::room() {
   if (blocks_.empty()) {
     addBlock(kFirstBlock);
-  } else if (blocks_.back().start < blocks_.back().size / 2) {
+  } else if (blocks_.back().start < kLeastRoom) {
     addBlock(kFurtherBlock);
   }
   return {blocks_.back().bytes.get(), blocks_.back().start};

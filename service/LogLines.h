@@ -18,8 +18,7 @@ class LogLines {
   // What room() has at least.
   static constexpr std::size_t kLeastRoom = std::size_t{128} * 1024;
 
-  // Memory right before the first line. A block that is more than half full is given up for a new
-  // one; the lines take at least half of all others.
+  // Memory right before the first line. A block with less room than that is given up for a new one.
   std::span<char> room();
 
   // Puts `line` before all others. It holds no line feed, and lies in the room that was handed out
