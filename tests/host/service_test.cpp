@@ -254,8 +254,11 @@ TEST(Service, NoFailureLeavesItStopped) {
 
 TEST(Rename, LeavesTheFileOfANameThatIsTheSame) {
   ServiceHost host;
+  const std::string rename = "profile rename dir=two new_name=dir=x";
+  EXPECT_EQ(host.says(rename), "profile_name: dir=x\n");
+  EXPECT_EQ(host.read("two/profile_name"), "dir=x\n");
   host.file("two/profile_name", "dir=x\nkept\n");
-  EXPECT_EQ(host.says("profile rename dir=two new_name=dir=x"), "profile_name: dir=x\n");
+  EXPECT_EQ(host.says(rename), "profile_name: dir=x\n");
   EXPECT_EQ(host.read("two/profile_name"), "dir=x\nkept\n");
 }
 
