@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <future>
+#include <thread>
 
 #include "fundkit/ScopedFd.h"
 #include "service/ServiceStatus.h"
@@ -184,6 +185,21 @@ TEST(ServiceStatus, Branches) {
             "running: true\nhelmsman: false\ntunnel: true\n");
   host.file(".current", "two\n");
   EXPECT_EQ(host.says("service status"), "running: false\nhelmsman: false\ntunnel: false\n");
+}
+
+TEST(ServiceStatus, WaitsForAFileThatIsBeingWritten) {
+  ServiceHost host;
+  TriState running = TriState::kUnknown;
+  // In the first round already, unless the other thread starts late.
+  for (int round = 0; round < 100 && running != TriState::kYes; ++round) {
+    host.file("one/hipvars.txt", "");
+    const std::jthread daemon([&host] {
+      usleep(30000);
+      host.file("one/hipvars.txt", ServiceHost::times(0, 5));
+    });
+    running = isDaemonRunning("/opt/vrx/profiles/one/hipvars.txt");
+  }
+  EXPECT_EQ(running, TriState::kYes);
 }
 
 TEST(Service, IsStoppedAndStartedAroundAChange) {
