@@ -364,6 +364,17 @@ TEST(Output, HasNoHoleAfterAFailedWrite) {
             "0\n");
 }
 
+// strace makes no call in these places, but puts the first byte of the log where that would.
+TEST(Log, MayComeInPieces) {
+  skipUnlessTracing();
+  TestHost host;
+  host.profile("a", "a").file("a/hip.log", "E~ one\nE~ two\n");
+  EXPECT_EQ(
+      host.shell("strace -qq -o /dev/null -e inject=pread64:retval=1:poke_exit=@arg2=45:when=1+2 "
+                 "tunadm list log a"),
+      "E~ one\nE~ two\nprofile_name: a\n");
+}
+
 // The command, and the store if it is not the usual one.
 std::string nameOf(const testing::TestParamInfo<Row>& row) {
   std::string name = row.param.line;
