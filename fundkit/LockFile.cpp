@@ -93,7 +93,7 @@ long holderInLine(const char* line, const struct stat& file) {
   const int fields = std::sscanf(line, "%*s %15s %*s %*s %ld %x:%x:%llu", kind, &process,
                                  &device_major, &device_minor, &inode);
   const bool held = fields == 5 && std::strcmp(kind, "FLOCK") == 0 && inode == file.st_ino &&
-                    device_major == major(file.st_dev) && device_minor == minor(file.st_dev);
+                    makedev(device_major, device_minor) == file.st_dev;
   return held && process > 0 ? process : 0;
 }
 
