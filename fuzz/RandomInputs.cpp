@@ -50,7 +50,7 @@ std::vector<std::string> checkCorpus(const char* corpus, const char* dictionary,
 }  // namespace
 
 int main(int count, char** arguments) {
-  const fs::path found = "found-" + fs::path(arguments[1]).filename().string();
+  const fs::path found = fs::absolute("found-" + fs::path(arguments[1]).filename().string());
   const std::string seed = count > 3 ? arguments[3] : kUsualSeed;
   (void)std::fprintf(stderr, "seed %s; an input that ends this program is kept in %s\n",
                      seed.c_str(), found.c_str());
